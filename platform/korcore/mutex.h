@@ -1,0 +1,53 @@
+// Re-entrant locks.
+//
+// CKorLightMutex lives in its object. CKorMutex is the same without a name; with a name it is one
+// lock for every process that uses the name in the same shared-memory directory, and robust: when
+// its owner dies, the next one gets it and goes on.
+//
+// Both count their owner's nesting in the process, so an Unlock gives back one Lock. Time-outs are
+// milliseconds; kKorForever waits without limit, 0 only tries.
+#pragma once
+
+#include "korcore/annotations.h"
+
+#define KOR_API __attribute__((visibility("default")))
+
+constexpr unsigned kKorForever = 0xFFFFFFFF;
+
+struct KorMutexState;
+
+class CAPABILITY("mutex") KOR_API CKorLightMutex {
+  public:
+    explicit CKorLightMutex(int reserved = 0) noexcept;
+    ~CKorLightMutex();
+    CKorLightMutex(const CKorLightMutex&) = delete;
+    CKorLightMutex& operator=(const CKorLightMutex&) = delete;
+
+    // False when the time ran out.
+    bool Lock(unsigned timeout = kKorForever) noexcept TRY_ACQUIRE(true);
+    void Unlock() noexcept RELEASE();
+
+  private:
+    KorMutexState* state_;
+};
+
+class CAPABILITY("mutex") KOR_API CKorMutex {
+  public:
+    // A named lock is a file "<name>" in the shared-memory directory (korcore/shared_file.h), made
+    // for owner and group only. `name` null or empty: a lock of this object alone.
+    explicit CKorMutex(int reserved = 0, const char* name = nullptr, int flags = 0) noexcept;
+    ~CKorMutex();
+    CKorMutex(const CKorMutex&) = delete;
+    CKorMutex& operator=(const CKorMutex&) = delete;
+
+    // False when the time ran out, or when IsUsable() is false.
+    bool Lock(unsigned timeout = kKorForever) noexcept TRY_ACQUIRE(true);
+    void Unlock() noexcept RELEASE();
+
+    // False when the shared file of a named lock could not be made, attached or trusted (no room,
+    // no permission, not a lock of ours).
+    bool IsUsable() const noexcept;
+
+  private:
+    KorMutexState* state_;
+};
