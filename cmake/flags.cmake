@@ -27,7 +27,7 @@ endif()
 add_library(oam_flags INTERFACE)
 target_compile_options(oam_flags INTERFACE
     -Wall -Wextra -Werror -Wshadow -Wformat=2 -Wno-format-nonliteral -Wundef -Wpointer-arith
-    $<$<COMPILE_LANGUAGE:CXX>:-Wmissing-declarations -Wnon-virtual-dtor -Woverloaded-virtual>
+    $<$<COMPILE_LANGUAGE:CXX>:-Wmissing-declarations -Woverloaded-virtual>
     $<$<CXX_COMPILER_ID:Clang>:-Wthread-safety -Wno-gnu-zero-variadic-macro-arguments>
     -fstack-protector-strong -fno-omit-frame-pointer)
 target_link_options(oam_flags INTERFACE -Wl,-z,relro -Wl,-z,now)

@@ -215,7 +215,8 @@ OAM_API oam_result _oamCreateBoard(const char* product, char* nameBuffer,
                                    unsigned int size) OAM_NOEXCEPT;
 
 /* Deletes one object, or every board when name is null. OAMERR_NOT_FOUND; OAMERR_ACCESS_DENIED
- * while it is open; what the plug-in's DestroyBoard answers (but its OAMERR_NOT_FOUND is success). */
+ * while it is open; what the plug-in's DestroyBoard answers (but its OAMERR_NOT_FOUND is success).
+ */
 OAM_API oam_result _oamDeleteBoard(const char* name) OAM_NOEXCEPT;
 
 /* Creates the board objects of one detected board, or (null or empty name) of all of them.
@@ -279,8 +280,7 @@ OAM_API oam_result _oamBoardSetShelfSlot(const char* name, unsigned int shelf,
 OAM_API oam_result _oamBoardResetMACAddressCount(const char* name) OAM_NOEXCEPT;
 
 /* `texts` is `count` slots of OAM_MAC_TEXT_SIZE bytes; the first OAM_MAC_KEPT are kept. */
-OAM_API oam_result _oamBoardSetMACAddress(const char* name,
-                                          const char (*texts)[OAM_MAC_TEXT_SIZE],
+OAM_API oam_result _oamBoardSetMACAddress(const char* name, const char (*texts)[OAM_MAC_TEXT_SIZE],
                                           unsigned int count) OAM_NOEXCEPT;
 
 /* An index at or above the board's count gives an empty text. */

@@ -31,10 +31,12 @@ extern "C" {
  * without directory, also its object's name. A failure stops the service's start. */
 typedef unsigned int oam_plugin_init(const char* fileName);
 
-/* Once for each Init, and after a failed Init of this or another plug-in. The result is not used. */
+/* Once for each Init, and after a failed Init of this or another plug-in. The result is not used.
+ */
 typedef unsigned int oam_plugin_exit(void);
 
-/* Optional. The name of one of the plug-in's own codes, a static text; null for every other code. */
+/* Optional. The name of one of the plug-in's own codes, a static text; null for every other code.
+ */
 typedef const char* oam_plugin_get_text(unsigned int code);
 
 /* Optional. Every alert but reports, one at a time, on the thread that raised it or on one that is

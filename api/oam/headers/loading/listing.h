@@ -1,0 +1,32 @@
+// Going through a directory's files of one extension, and telling the logs about each.
+#pragma once
+
+#include <dirent.h>
+
+namespace oam {
+
+class FileListing {
+  public:
+    FileListing() noexcept = default;
+    ~FileListing();
+    FileListing(const FileListing&) = delete;
+    FileListing& operator=(const FileListing&) = delete;
+
+    // False when the directory cannot be opened.
+    bool Open(const char* directory) noexcept;
+    // The next file name with the extension (without regard to case), in directory order; null
+    // after the last. Valid until the next call.
+    const char* Next(const char* extension) noexcept;
+
+  private:
+    DIR* directory_ = nullptr;
+};
+
+// The heading of a listing on the debug sink.
+void ListingHeader(const char* title) noexcept;
+
+// One file's line: name, size, time and permissions to the debug sink, and "=> Loading ..." as an
+// alert of the source. A file that cannot be looked at is told to the debug sink only.
+void AnnounceFile(const char* source, const char* path, const char* fileName) noexcept;
+
+}  // namespace oam

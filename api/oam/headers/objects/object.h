@@ -1,0 +1,121 @@
+// KOR_CMObject, the base class of every managed object.
+//
+// An object is a name, the name of its data file, and its keywords, which are in memory only while
+// it is open: the first opening loads them, the last read-write closing saves them. Readers share;
+// a writer is alone.
+//
+// Two layers: the public one (Open, SetKeyword, ...) checks the open state and calls the virtual
+// Trap operations, so that a kind of object can compute keywords or pass them to a plug-in; the Db
+// one works on the stored list. Every call runs under the manager lock.
+#pragma once
+
+#include <utility>
+
+#include "oam/entry.h"
+#include "objects/keyword.h"
+
+class CXmlExport;
+
+class KOR_CMObject {
+  public:
+    // Null texts leave the field null. The file is not touched.
+    KOR_CMObject(const char* name, const char* dataFileName) noexcept;
+    KOR_CMObject(const KOR_CMObject&) = delete;
+    KOR_CMObject& operator=(const KOR_CMObject&) = delete;
+
+    virtual ~KOR_CMObject();
+    virtual bool IsBoard() const noexcept { return false; }
+    // Adds the kind's own keywords to a new or reloaded object.
+    virtual oam_result InitKeywords() noexcept { return OAM_SUCCESS; }
+    // The object's share of a commit: refuse, apply, or tidy up after either.
+    virtual oam_result ValidateChanges() noexcept { return OAM_SUCCESS; }
+    virtual void HandleChanges() noexcept {}
+    virtual void ValidateChangesCleanup() noexcept {}
+    virtual oam_result TrapCreate(const char* /*name*/, const char* /*product*/) noexcept {
+        return OAM_SUCCESS;
+    }
+    virtual oam_result TrapDelete() noexcept { return OAM_SUCCESS; }
+    virtual oam_result TrapOpen(unsigned long /*handle*/, unsigned /*mode*/) noexcept {
+        return OAM_SUCCESS;
+    }
+    virtual oam_result TrapClose(unsigned long /*handle*/) noexcept { return OAM_SUCCESS; }
+    virtual oam_result TrapSetKeyword(unsigned long handle, const char* name,
+                                      const char* value) noexcept;
+    virtual oam_result TrapGetKeyword(unsigned long handle, const char* name, char* buffer,
+                                      unsigned size) noexcept;
+    virtual oam_result TrapSetQualifier(unsigned long handle, const char* keyword,
+                                        const char* qualifier, const char* value) noexcept;
+    virtual oam_result TrapGetQualifier(unsigned long handle, const char* keyword,
+                                        const char* qualifier, char* buffer,
+                                        unsigned size) noexcept;
+
+    const char* Name() const noexcept { return name_.OrEmpty(); }
+    const char* DataFileName() const noexcept { return dataFileName_.Get(); }
+    // A rename that cannot fail; the old name is left in `name`.
+    void SwapName(oam::OwnedText* name) noexcept { std::swap(name_, *name); }
+    bool SetDataFileName(const char* name) noexcept { return dataFileName_.Assign(name); }
+    bool HasTexts() const noexcept { return !name_.IsNull(); }
+    int OpenCount() const noexcept { return openCount_; }
+    // Of the current opening, or of the last one when closed.
+    bool IsReadWrite() const noexcept { return (openMode_ & OAM_OPEN_WRITE) != 0; }
+    const CArrayPtrsToKeyword& Keywords() const noexcept { return keywords_; }
+
+    static int Compare(const KOR_CMObject& object, const char* name) noexcept;
+
+    // ---- Storage. OAMERR_NOT_ENOUGH_MEMORY when the file's path does not fit.
+
+    // OAMERR_NOT_FOUND without a file, OAMERR_FILE_READ_ERROR for a spoiled one; entries read
+    // before a failure stay.
+    oam_result Load() noexcept;
+    // OAMERR_FILE_WRITE_ERROR. The file is the old or the new one, whenever the machine stops.
+    oam_result Save() noexcept;
+    // This object's directory in an export that is open already.
+    oam_result Save(CXmlExport& exporter) noexcept;
+    // OAMERR_NOT_FOUND when there was none.
+    oam_result RemoveFile() noexcept;
+
+    // ---- Db layer: OAMERR_ACCESS_DENIED when the open state does not allow the call.
+
+    oam_result DbOpen(unsigned long client, unsigned long* handle, unsigned mode) noexcept;
+    // Closes in every case; the result is the save's. The last closing saves a read-write object,
+    // unless it discards.
+    oam_result DbClose(unsigned long handle, bool discard) noexcept;
+    oam_result DbGetProviderMode(bool* provider) noexcept;
+    oam_result DbSetProviderMode(bool provider) noexcept;
+    oam_result DbSetKeyword(const char* name, const char* value) noexcept;
+    oam_result DbGetKeyword(const char* name, char* buffer, unsigned size) noexcept;
+    oam_result DbRemoveKeyword(const char* name) noexcept;
+    oam_result DbSetQualifier(const char* keyword, const char* qualifier,
+                              const char* value) noexcept;
+    oam_result DbGetQualifier(const char* keyword, const char* qualifier, char* buffer,
+                              unsigned size) noexcept;
+    oam_result DbRemoveQualifier(const char* keyword, const char* qualifier) noexcept;
+
+    // ---- Public layer.
+
+    oam_result Open(unsigned long client, unsigned long* handle, unsigned mode) noexcept;
+    oam_result SetKeyword(unsigned long handle, const char* name, const char* value) noexcept;
+    oam_result GetKeyword(unsigned long handle, const char* name, char* buffer,
+                          unsigned size) noexcept;
+    oam_result SetQualifier(unsigned long handle, const char* keyword, const char* qualifier,
+                            const char* value) noexcept;
+    oam_result GetQualifier(unsigned long handle, const char* keyword, const char* qualifier,
+                            char* buffer, unsigned size) noexcept;
+
+  private:
+    bool IsOpen() const noexcept { return openCount_ > 0; }
+    bool MayWrite() const noexcept { return IsOpen() && IsReadWrite(); }
+    bool MayProvide() const noexcept { return MayWrite() && (openMode_ & OAM_OPEN_PROVIDER) != 0; }
+    oam_result BuildPath(char* path) const noexcept;
+    oam_result ReadFile(const char* path) noexcept;
+    oam_result WriteFile(const char* path, bool sync) noexcept;
+
+    oam::OwnedText name_;
+    oam::OwnedText dataFileName_;
+    CArrayPtrsToKeyword keywords_;
+    int openCount_ = 0;
+    unsigned openMode_ = OAM_OPEN_READ;
+};
+
+// The default of one of eight qualifiers, whatever the keyword; OAMERR_NOT_FOUND for any other.
+oam_result getQualifierDefault(const char* qualifier, char* buffer, unsigned size) noexcept;

@@ -1,0 +1,79 @@
+#include "base/database_lock.h"
+
+#include <cstdio>
+#include <cstdlib>
+
+#include "base/forever.h"
+
+namespace oam {
+namespace {
+
+constexpr int kManagerRank = 0;
+constexpr int kTableRank = 1;
+
+struct ThreadHolds {
+    int depth[2] = {0, 0};
+    int leftOver = 0;
+
+    ~ThreadHolds() { GiveBack(); }
+    void GiveBack() noexcept NO_THREAD_SAFETY_ANALYSIS {
+        while (leftOver > 0) {
+            --leftOver;
+            TableLock().Unlock();
+        }
+    }
+};
+
+thread_local ThreadHolds holds;
+
+[[maybe_unused]] void checkOrder(int rank) noexcept {
+    if (rank == kManagerRank && holds.depth[kTableRank] > 0 && holds.depth[kManagerRank] == 0) {
+        fputs("lock order: the manager lock is asked for under the board table lock\n", stderr);
+        abort();
+    }
+}
+
+}  // namespace
+
+template <class Mutex, int kRank>
+void DatabaseLock<Mutex, kRank>::Lock() noexcept NO_THREAD_SAFETY_ANALYSIS {
+    // Before waiting: what a failed creation left to this thread would otherwise be held while it
+    // waits for the manager lock, against the order.
+    if (kRank == kManagerRank) holds.GiveBack();
+#ifndef NDEBUG
+    checkOrder(kRank);
+#endif
+    (void)mutex_.Lock(kKorForever);
+    ++holds.depth[kRank];
+    if (kRank == kTableRank) holds.GiveBack();
+}
+
+template <class Mutex, int kRank>
+void DatabaseLock<Mutex, kRank>::Unlock() noexcept NO_THREAD_SAFETY_ANALYSIS {
+    --holds.depth[kRank];
+    mutex_.Unlock();
+}
+
+template <class Mutex, int kRank>
+int DatabaseLock<Mutex, kRank>::Depth() noexcept {
+    return holds.depth[kRank];
+}
+
+template class DatabaseLock<CKorLightMutex, kManagerRank>;
+template class DatabaseLock<CKorMutex, kTableRank>;
+
+ManagerMutex& ManagerLock() noexcept {
+    static Forever<ManagerMutex> lock;
+    return lock.Get();
+}
+
+TableMutex& TableLock() noexcept {
+    static Forever<TableMutex> lock;
+    return lock.Get();
+}
+
+bool HoldsDatabaseLock() noexcept { return ManagerMutex::Depth() > 0 || TableMutex::Depth() > 0; }
+
+void LeaveTableLockOver(int count) noexcept { holds.leftOver += count; }
+
+}  // namespace oam

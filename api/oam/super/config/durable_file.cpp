@@ -1,0 +1,75 @@
+#include "durable_file.h"
+
+#include <errno.h>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstring>
+#include <utility>
+
+#include "base/path.h"
+
+namespace {
+
+constexpr mode_t kNewFileMode = 0666;  // the process's umask applies
+constexpr mode_t kPermissions = 07777;
+
+bool createLike(const char* path, const struct stat* existing) noexcept {
+    const int descriptor =
+        open(path, O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW | O_CLOEXEC, kNewFileMode);
+    if (descriptor < 0) return false;
+    if (existing != nullptr) {
+        // Best effort: a file that its owner opened to others stays so.
+        (void)fchmod(descriptor, existing->st_mode & kPermissions);
+        if (fchown(descriptor, existing->st_uid, existing->st_gid) != 0) errno = 0;
+    }
+    close(descriptor);
+    return true;
+}
+
+}  // namespace
+
+oam_result DurableFile::Begin(const char* path) noexcept {
+    path_ = path;
+    struct stat status;
+    const bool exists = lstat(path, &status) == 0;
+    if (exists && !S_ISREG(status.st_mode)) return OAM_SUCCESS;
+    oam::OwnedText beside;
+    if (!beside.Join(path, kBesideSuffix)) return OAMERR_NOT_ENOUGH_MEMORY;
+    if (createLike(beside.Get(), exists ? &status : nullptr)) beside_ = std::move(beside);
+    return OAM_SUCCESS;
+}
+
+oam_result DurableFile::Finish(oam_result written) noexcept {
+    if (!IsBeside()) return written;
+    if (written == OAM_SUCCESS && rename(beside_.Get(), path_) == 0) {
+        return syncDirectoryOf(path_) ? OAM_SUCCESS : OAMERR_FILE_WRITE_ERROR;
+    }
+    (void)remove(beside_.Get());
+    return written != OAM_SUCCESS ? written : OAMERR_FILE_WRITE_ERROR;
+}
+
+bool syncDirectoryOf(const char* path) noexcept {
+    const char* slash = strrchr(path, '/');
+    oam::OwnedText directory;
+    const size_t length = slash == nullptr ? 0 : static_cast<size_t>(slash - path);
+    if (!directory.Assign(slash == nullptr ? std::string_view(".")
+                          : length == 0    ? std::string_view("/")
+                                           : std::string_view(path, length))) {
+        return false;
+    }
+    const int descriptor = open(directory.Get(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (descriptor < 0) return errno == EACCES;  // writable but not readable: nothing to sync by
+    // Some file systems cannot sync a directory and keep names in order by themselves.
+    const bool synced = fsync(descriptor) == 0 || errno == EINVAL;
+    close(descriptor);
+    return synced;
+}
+
+void syncDataDirectory() noexcept {
+    char directory[oam::kPathSize];
+    if (GetFullPath(false, "/oam/cfg/", directory, sizeof directory) != OAM_SUCCESS) return;
+    (void)syncDirectoryOf(directory);
+}

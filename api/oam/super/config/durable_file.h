@@ -1,0 +1,35 @@
+// Replacing a file so that it is wholly the old or wholly the new one, whenever the process dies or
+// the machine stops: written beside, synced, renamed over, the directory synced.
+//
+// A target that exists and is no regular file (a link, a device) is written in place, and so is one
+// beside which nothing can be created. What a death leaves beside ends in kBesideSuffix, which no
+// reader takes for a data file; the start-up scan clears it.
+#pragma once
+
+#include "base/text.h"
+
+constexpr char kBesideSuffix[] = ".saving";
+
+class DurableFile {
+  public:
+    // Decides where to write and reserves the name beside. OAMERR_NOT_ENOUGH_MEMORY.
+    oam_result Begin(const char* path) noexcept;
+
+    // The file to write; when it is beside, the writer syncs it.
+    const char* Target() const noexcept { return beside_.IsNull() ? path_ : beside_.Get(); }
+    bool IsBeside() const noexcept { return !beside_.IsNull(); }
+
+    // Puts what was written in its place, or (when `written` is a failure) removes what is beside
+    // and leaves the old file. Answers `written`, or OAMERR_FILE_WRITE_ERROR.
+    oam_result Finish(oam_result written) noexcept;
+
+  private:
+    const char* path_ = "";
+    oam::OwnedText beside_;
+};
+
+// Makes the names in a directory durable: the one that holds `path`. False on an I/O error.
+bool syncDirectoryOf(const char* path) noexcept;
+
+// The same for the directory of the data files.
+void syncDataDirectory() noexcept;

@@ -1,0 +1,88 @@
+// KOR_CMObject: its data file, "/oam/cfg/" and the data file name under the installation directory.
+
+#include <cstdio>
+#include <utility>
+
+#include "base/last_failure.h"
+#include "base/path.h"
+#include "durable_file.h"
+#include "objects/object.h"
+#include "xmo_reader.h"
+#include "xmo_writer.h"
+
+using oam::kPathSize;
+
+oam_result KOR_CMObject::BuildPath(char* path) const noexcept {
+    if (auto failed = GetFullPath(false, "/oam/cfg/", path, kPathSize)) return failed;
+    const size_t length = strlen(path);
+    return oam::CopyText(dataFileName_.Get(), path + length,
+                         static_cast<unsigned>(kPathSize - length));
+}
+
+oam_result KOR_CMObject::Load() noexcept {
+    char path[kPathSize];
+    if (auto failed = BuildPath(path)) return failed;
+    // The reading itself creates every entry.
+    const int openCount = std::exchange(openCount_, 1);
+    const unsigned openMode =
+        std::exchange(openMode_, unsigned{OAM_OPEN_WRITE} | unsigned{OAM_OPEN_PROVIDER});
+    const oam_result result = ReadFile(path);
+    openCount_ = openCount;
+    openMode_ = openMode;
+    return result;
+}
+
+oam_result KOR_CMObject::ReadFile(const char* path) noexcept {
+    CXmlImport reader;
+    if (reader.Open(path, kObjectRoot) != 0) return OAMERR_NOT_FOUND;
+    oam_result result = OAM_SUCCESS;
+    CXmlImport::eTokenType kind = reader.GetNextKeyword();
+    while (kind == CXmlImport::kText && result == OAM_SUCCESS) {
+        result = strcmp(reader.ObjectName(), Name()) == 0
+                     ? DbSetKeyword(reader.Keyword(), reader.Value())
+                     : OAMERR_FILE_READ_ERROR;
+        if (result == OAM_SUCCESS) kind = reader.GetNextKeyword();
+    }
+    if (kind != CXmlImport::kEndOfFile) result = OAMERR_FILE_READ_ERROR;
+    if (reader.Close() != 0) result = OAMERR_FILE_READ_ERROR;
+    return result;
+}
+
+oam_result KOR_CMObject::Save() noexcept {
+    char path[kPathSize];
+    if (auto failed = BuildPath(path)) return failed;
+    DurableFile file;
+    if (auto failed = file.Begin(path)) return failed;
+    return file.Finish(WriteFile(file.Target(), file.IsBeside()));
+}
+
+oam_result KOR_CMObject::WriteFile(const char* path, bool sync) noexcept {
+    CXmlExport writer;
+    if (writer.Open(path, kObjectRoot) != 0) return OAMERR_FILE_WRITE_ERROR;
+    oam::LastFailure result;
+    result.Note(Save(writer));
+    if ((sync ? writer.CloseSynced() : writer.Close()) != 0) result.Note(OAMERR_FILE_WRITE_ERROR);
+    return result.Get();
+}
+
+oam_result KOR_CMObject::Save(CXmlExport& exporter) noexcept {
+    // Kept: the directory is the "Name" keyword while reading expects the object's own name; a
+    // commit makes them equal.
+    char directory[oam::kNameSize];
+    const bool named = DbGetKeyword("Name", directory, sizeof directory) == OAM_SUCCESS;
+    const char* name = named ? directory : Name();
+    bool written = exporter.BegDir(name) == 0;
+    if (!written) return OAMERR_FILE_WRITE_ERROR;
+    for (int i = 0; written && i < keywords_.Count(); ++i) {
+        const CKeyword* keyword = keywords_.At(i);
+        written = exporter.SetNextKeyword(keyword->Name(), keyword->Value()) == 0;
+    }
+    written = exporter.EndDir(name) == 0 && written;
+    return written ? OAM_SUCCESS : OAMERR_FILE_WRITE_ERROR;
+}
+
+oam_result KOR_CMObject::RemoveFile() noexcept {
+    char path[kPathSize];
+    if (auto failed = BuildPath(path)) return failed;
+    return remove(path) == 0 ? OAM_SUCCESS : OAMERR_NOT_FOUND;
+}

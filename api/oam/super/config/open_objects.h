@@ -1,0 +1,39 @@
+// The open handles: who opened which object.
+//
+// A handle is the address of its record, so it is unique while open and may repeat after a close.
+// Records are in order of opening. Guarded by the manager lock.
+#pragma once
+
+#include "objects/object.h"
+
+struct OpenMObject {
+    unsigned long client;
+    KOR_CMObject* object;  // not owned
+};
+
+class CArrayPtrsToOpenMObject : private oam::PointerArray<OpenMObject> {
+  public:
+    // Kept: the first argument is ignored; no slots are allocated ahead.
+    CArrayPtrsToOpenMObject(int, int growBy) noexcept : PointerArray(growBy) {}
+
+    using PointerArray::At;
+    using PointerArray::Capacity;
+    using PointerArray::Count;
+    using PointerArray::RemoveAll;
+
+    oam_result Insert(unsigned long client, KOR_CMObject* object, unsigned long* handle) noexcept;
+    // True and the index, or false and the count.
+    bool FindByHMObject(unsigned long handle, int* index) const noexcept;
+    // OAMERR_NOT_FOUND.
+    oam_result Remove(unsigned long handle) noexcept;
+    // Every handle on an object that is about to be destroyed.
+    void RemoveAllOf(const KOR_CMObject* object) noexcept;
+};
+
+// The one table of the service.
+CArrayPtrsToOpenMObject& openObjects() noexcept;
+
+// Kept: handles are not checked against the table, which keeps every access cheap; passing one that
+// was never issued is the caller's fault.
+KOR_CMObject* getObjectFromHandle(unsigned long handle) noexcept;
+const char* getNameFromHandle(unsigned long handle) noexcept;

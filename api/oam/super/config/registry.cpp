@@ -1,0 +1,172 @@
+#include "registry.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <memory>
+
+#include "doors/alert.h"
+#include "doors/board.h"
+#include "durable_file.h"
+#include "objects/kinds.h"
+#include "open_objects.h"
+
+using oam::EqualNoCase;
+
+namespace {
+
+constexpr char kSupervisor[] = "Supervisor";
+constexpr unsigned kNumberRoom = 13;  // a blank, a 32-bit number with its sign, and the NUL
+
+KOR_CMObject* makeObject(const char* name, const char* dataFile) noexcept {
+    if (EqualNoCase(name, kSupervisor)) return new (std::nothrow) CMOSuper();
+    const char* extension = oam::LastExtension(name);
+    if (EqualNoCase(extension, ".emc")) return new (std::nothrow) CMOEmc(name);
+    if (EqualNoCase(extension, ".bpi")) return new (std::nothrow) CMOPlugin(name);
+    return new (std::nothrow) CMOBoard(name, dataFile);
+}
+
+// The number in a data file name of the form "Obj%d.xmo", or -1. What follows the number plays no
+// part.
+long dataFileNumber(const char* fileName) noexcept {
+    if (fileName == nullptr || strncmp(fileName, "Obj", 3) != 0) return -1;
+    char* end;
+    const long number = strtol(fileName + 3, &end, 10);
+    return end != fileName + 3 ? number : -1;
+}
+
+}  // namespace
+
+bool CArrayPtrsToMObject::FindByFile(const char* fileName, int* index) const noexcept {
+    for (*index = 0; *index < Count(); ++*index) {
+        const char* own = At(*index)->DataFileName();
+        if (own != nullptr && EqualNoCase(own, fileName)) return true;
+    }
+    return false;
+}
+
+oam_result CArrayPtrsToMObject::CreateUniqueName(const char* base, char* buffer,
+                                                 unsigned size) const noexcept {
+    if (buffer == nullptr || size < strlen(base) + kNumberRoom) return OAMERR_NOT_ENOUGH_MEMORY;
+    int index;
+    int number = 0;
+    do {
+        snprintf(buffer, size, "%s %d", base, number++);
+    } while (FindByName(buffer, &index));
+    return OAM_SUCCESS;
+}
+
+oam_result CArrayPtrsToMObject::CreateUniqueDataFilename(KOR_CMObject* object) const noexcept {
+    if (object->DataFileName() != nullptr) return OAM_SUCCESS;
+    const size_t numbers = static_cast<size_t>(Count()) + 1;
+    const std::unique_ptr<bool[]> taken(new (std::nothrow) bool[numbers]());
+    if (taken == nullptr) return OAMERR_NOT_ENOUGH_MEMORY;
+    for (int i = 0; i < Count(); ++i) {
+        const long number = dataFileNumber(At(i)->DataFileName());
+        if (number >= 0 && number <= Count()) taken[number] = true;
+    }
+    int free = 0;
+    while (taken[free]) ++free;
+    char name[32];
+    snprintf(name, sizeof name, "Obj%d.xmo", free);
+    return object->SetDataFileName(name) ? OAM_SUCCESS : OAMERR_NOT_ENOUGH_MEMORY;
+}
+
+oam_result CArrayPtrsToMObject::Insert(const char* name, const char* dataFile) noexcept {
+    return InsertNew(name, [=, this]() -> KOR_CMObject* {
+        std::unique_ptr<KOR_CMObject> object(makeObject(name, dataFile));
+        if (object == nullptr || !object->HasTexts()) return nullptr;
+        if (CreateUniqueDataFilename(object.get()) != OAM_SUCCESS) return nullptr;
+        return object.release();
+    });
+}
+
+oam_result CArrayPtrsToMObject::Remove(const char* name) noexcept {
+    int index;
+    if (!FindByName(name, &index)) return OAMERR_NOT_FOUND;
+    KOR_CMObject* found = At(index);
+    if (found->OpenCount() != 0) return OAMERR_ACCESS_DENIED;
+    if (auto refused = found->TrapDelete()) {
+        DebugOutput("Call to Object %s TrapDelete with error code 0x%x.\n", name,
+                    static_cast<unsigned>(refused));
+        return refused;
+    }
+    // The plug-in may have created, removed or opened objects meanwhile.
+    if (!FindByName(name, &index) || At(index) != found) return OAMERR_NOT_FOUND;
+    if (found->OpenCount() != 0) return OAMERR_ACCESS_DENIED;
+    if (auto failed = TakeAt(index)) return failed;
+    const std::unique_ptr<KOR_CMObject> object(found);
+    if (object->RemoveFile() == OAM_SUCCESS) syncDataDirectory();
+    (void)AlertNotify(OAMEVN_DELETED, OAM_INFORMATION, object->Name(), "%s", "");
+    return OAM_SUCCESS;
+}
+
+oam_result CArrayPtrsToMObject::RemoveFile(const char* name) noexcept {
+    KOR_CMObject* object = Find(name);
+    if (object == nullptr) return OAMERR_NOT_FOUND;
+    return object->OpenCount() == 0 ? object->RemoveFile() : OAMERR_ACCESS_DENIED;
+}
+
+void CArrayPtrsToMObject::RemoveAll(bool removeFiles) noexcept {
+    for (int i = 0; i < Count(); ++i) {
+        openObjects().RemoveAllOf(At(i));
+        if (removeFiles) (void)At(i)->RemoveFile();
+    }
+    PointerArray::RemoveAll();
+}
+
+oam_result CArrayPtrsToMObject::RemoveAllBoards() noexcept {
+    for (int i = 0; i < Count();) {
+        if (!At(i)->IsBoard()) {
+            ++i;
+        } else if (auto failed = Remove(At(i)->Name())) {
+            return failed;
+        }
+    }
+    return OAM_SUCCESS;
+}
+
+bool CArrayPtrsToMObject::AnyOpen() const noexcept {
+    for (int i = 0; i < Count(); ++i) {
+        if (At(i)->OpenCount() != 0) return true;
+    }
+    return false;
+}
+
+oam_result CArrayPtrsToMObject::OpenObject(unsigned long client, const char* name,
+                                           unsigned long* handle, unsigned mode) noexcept {
+    KOR_CMObject* object = Find(name);
+    return object != nullptr ? object->Open(client, handle, mode) : OAMERR_NOT_FOUND;
+}
+
+oam_result CArrayPtrsToMObject::DbOpenObject(unsigned long client, const char* name,
+                                             unsigned long* handle, unsigned mode) noexcept {
+    KOR_CMObject* object = Find(name);
+    return object != nullptr ? object->DbOpen(client, handle, mode) : OAMERR_NOT_FOUND;
+}
+
+oam_result CArrayPtrsToMObject::DbSetKeyword(unsigned long handle, const char* name,
+                                             const char* value) noexcept {
+    KOR_CMObject* object = getObjectFromHandle(handle);
+    int index;
+    if (EqualNoCase(name, "Name") && !EqualNoCase(value, object->Name()) &&
+        FindByName(value, &index)) {
+        return OAMERR_ALREADY_EXISTS;
+    }
+    if (auto refused = BoardIDsValidateSet(object->Name(), name, value)) return refused;
+    return object->DbSetKeyword(name, value);
+}
+
+oam_result CArrayPtrsToMObject::DbEnumObjects(int index, char* buffer,
+                                              unsigned size) const noexcept {
+    if (index < 0 || index >= Count()) return OAMERR_NOT_FOUND;
+    return oam::CopyText(At(index)->Name(), buffer, size);
+}
+
+oam_result CArrayPtrsToMObject::DbEnumKeywords(unsigned long handle, int index, char* buffer,
+                                               unsigned size) const noexcept {
+    const KOR_CMObject* object = getObjectFromHandle(handle);
+    if (object->OpenCount() == 0) return OAMERR_ACCESS_DENIED;
+    const CArrayPtrsToKeyword& keywords = object->Keywords();
+    if (index < 0 || index >= keywords.Count()) return OAMERR_NOT_FOUND;
+    return oam::CopyText(keywords.At(index)->Name(), buffer, size);
+}

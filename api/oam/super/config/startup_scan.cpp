@@ -1,0 +1,122 @@
+// The start-up scan: every data file of the configuration directory becomes an object.
+//
+// A file that cannot be opened stops the start; one that can be opened but not read to its end is
+// renamed to "*.bak" and told in an alert. Before the scan, what a death left behind is put right:
+// an unfinished import is rolled back and files beside their targets are removed.
+
+#include <cstdio>
+
+#include "base/path.h"
+#include "doors/alert.h"
+#include "durable_file.h"
+#include "import_aside.h"
+#include "loading/listing.h"
+#include "mobjmgr.h"
+#include "xmo_reader.h"
+#include "xmo_writer.h"
+
+using oam::kPathSize;
+
+namespace {
+
+constexpr char kDataFileExtension[] = ".xmo";
+
+oam_result joinPath(const char* directory, const char* fileName, char (&path)[kPathSize]) noexcept {
+    const int length = snprintf(path, sizeof path, "%s/%s", directory, fileName);
+    return length > 0 && length < int{kPathSize} ? OAM_SUCCESS : OAMERR_NOT_ENOUGH_MEMORY;
+}
+
+void clearUnfinishedSaves(const char* directory) noexcept {
+    oam::FileListing listing;
+    if (!listing.Open(directory)) return;
+    while (const char* fileName = listing.Next(kBesideSuffix)) {
+        oam::OwnedText path;
+        oam::OwnedText prefix;
+        if (prefix.Join(directory, "/") && path.Join(prefix.Get(), fileName)) {
+            (void)remove(path.Get());
+        }
+    }
+}
+
+}  // namespace
+
+oam_result CMObjMgr::Init() noexcept {
+    char directory[kPathSize];
+    if (auto failed = GetFullPath(false, "/oam/cfg/", directory, sizeof directory)) return failed;
+    CreatePathDirs(directory);
+    directory[strlen(directory) - 1] = '\0';
+    // Better no start than one on half a configuration.
+    if (!rollBackImport(directory)) return OAMERR_FILE_READ_ERROR;
+    clearUnfinishedSaves(directory);
+    oam_result result = ScanDataFiles(directory);
+    if (result != OAM_SUCCESS) Exit();
+    return result;
+}
+
+oam_result CMObjMgr::ScanDataFiles(const char* directory) noexcept {
+    oam::FileListing listing;
+    if (!listing.Open(directory)) {
+        DebugOutput("Directory for managed object data files \"%s\" not found.\n", directory);
+        return OAM_SUCCESS;
+    }
+    const char* fileName = listing.Next(kDataFileExtension);
+    if (fileName == nullptr) {
+        DebugOutput("No managed object data files found.\n");
+        return EnsureSupervisor();
+    }
+    oam::ListingHeader("\nListing of managed object data files found:\n");
+    for (; fileName != nullptr; fileName = listing.Next(kDataFileExtension)) {
+        char path[kPathSize];
+        if (auto failed = joinPath(directory, fileName, path)) return failed;
+        oam::AnnounceFile("Config", path, fileName);
+        const oam_result loaded = LoadDataFile(path, fileName);
+        if (loaded != OAM_SUCCESS) {
+            DebugOutput("\n");
+            return loaded;
+        }
+    }
+    DebugOutput("\n");
+    return EnsureSupervisor();
+}
+
+// 0 also when the file was rejected; a failure stops the scan.
+oam_result CMObjMgr::LoadDataFile(const char* path, const char* fileName) noexcept {
+    CXmlImport reader;
+    if (reader.Open(path, kObjectRoot) != 0) return OAMERR_FILE_READ_ERROR;
+    if (reader.GetNextKeyword() != CXmlImport::kText) {
+        return RejectDataFile(path, fileName, nullptr);
+    }
+    const char* name = reader.ObjectName();
+    const oam_result inserted = Insert(name, fileName);
+    if (inserted == OAMERR_ALREADY_EXISTS) return RejectDataFile(path, fileName, nullptr);
+    if (inserted != OAM_SUCCESS) return inserted;
+    if (reader.Close() != 0) return RejectDataFile(path, fileName, name);
+
+    unsigned long handle;
+    const oam_result opened = DbOpenObject(OAM_INTERNAL_CLIENT, name, &handle, OAM_OPEN_READ);
+    if (opened == OAM_SUCCESS) (void)DbCloseObject(handle);
+    if (opened == OAMERR_FILE_READ_ERROR) return RejectDataFile(path, fileName, name);
+    (void)AlertNotify(OAMEVN_ALERT, OAM_INFORMATION, "Config", "%s DONE", fileName);
+    return OAM_SUCCESS;
+}
+
+// `object` names what was inserted for the file, or is null.
+oam_result CMObjMgr::RejectDataFile(const char* path, const char* fileName,
+                                    const char* object) noexcept {
+    const auto withoutExtension = [](const char* name) {
+        return std::string_view(name, static_cast<size_t>(oam::LastExtension(name) - name));
+    };
+    oam::OwnedText newPath;
+    oam::OwnedText newName;
+    if (!newPath.Join(withoutExtension(path), ".bak") ||
+        !newName.Join(withoutExtension(fileName), ".bak")) {
+        return OAMERR_NOT_ENOUGH_MEMORY;
+    }
+    (void)remove(newPath.Get());
+    (void)rename(path, newPath.Get());
+    (void)AlertNotify(OAMEVN_ALERT, OAM_ERROR, "Supervisor",
+                      "Rejecting invalid object data file \"%s\", saving to \"%s\".", fileName,
+                      newName.Get());
+    if (object != nullptr) (void)Remove(object);
+    return OAM_SUCCESS;
+}

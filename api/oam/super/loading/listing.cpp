@@ -1,0 +1,53 @@
+#include "loading/listing.h"
+
+#include <sys/stat.h>
+
+#include <ctime>
+
+#include "base/text.h"
+#include "doors/alert.h"
+#include "oam/entry.h"
+
+namespace oam {
+
+FileListing::~FileListing() {
+    if (directory_ != nullptr) closedir(directory_);
+}
+
+bool FileListing::Open(const char* directory) noexcept {
+    directory_ = opendir(directory);
+    return directory_ != nullptr;
+}
+
+const char* FileListing::Next(const char* extension) noexcept {
+    while (const dirent* entry = readdir(directory_)) {
+        if (EqualNoCase(LastExtension(entry->d_name), extension)) return entry->d_name;
+    }
+    return nullptr;
+}
+
+void ListingHeader(const char* title) noexcept {
+    DebugOutput("%s", title);
+    DebugOutput("\nFILENAME %6c SIZE  DATE %20c ATTR\n", ' ', ' ');
+    DebugOutput("-------- %6c ----  ---- %20c ----\n", ' ', ' ');
+}
+
+void AnnounceFile(const char* source, const char* path, const char* fileName) noexcept {
+    struct stat status;
+    if (stat(path, &status) != 0) {
+        DebugOutput("Can't get file info for \"%s\"\n", path);
+        return;
+    }
+    const long size = static_cast<long>(status.st_size);
+    char modified[32] = "";
+    if (ctime_r(&status.st_mtime, modified) == nullptr) modified[0] = '\0';
+    DebugOutput("%-12s %7ld  %.24s  ", fileName, size, modified);
+    (void)AlertNotify(OAMEVN_ALERT, OAM_INFORMATION, source, "=> Loading %s (%ld %.24s)  ", path,
+                      size, modified);
+    DebugOutput("%s", (status.st_mode & S_IRUSR) != 0 ? "R" : " ");
+    DebugOutput("%s", (status.st_mode & S_IWUSR) != 0 ? "W" : " ");
+    DebugOutput("%s", (status.st_mode & S_IXUSR) != 0 ? "X" : " ");
+    DebugOutput("\n");
+}
+
+}  // namespace oam
