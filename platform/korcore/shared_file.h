@@ -1,11 +1,17 @@
-// A named file mapped into every process that opens it: the base of shared segments and named locks.
+// A named file mapped into every process that opens it: the base of shared segments and named
+// locks.
 //
 // The file lies in /dev/shm, or in the directory that KOR_SHM_DIR names when it is set and absolute
-// (read at every Open). It is made for owner and group only (0660, whatever the umask), and its
-// room is reserved when it is made, so that a full file system is a failed Open and not a signal at
-// the first write. Making and initialising run under a lock on the descriptor: another process
-// never sees a file that is half made.
+// (read at every Open). The directory should be one that a restart of the machine empties. The file
+// is made for owner and group only (0660, whatever the umask), and its room is reserved when it is
+// made or grown, so that a full file system is a failed Open and not a signal at the first write.
+//
+// A new file is made under a name of its own and renamed when it is complete: another process never
+// sees a file that is half made, and a maker that dies leaves nothing in the way of the next. An
+// empty file under the right name was never completed by whoever made it and is made anew.
 #pragma once
+
+#include <sys/types.h>
 
 #include <cstddef>
 
@@ -18,12 +24,15 @@ class KOR_API KorSharedFile {
     KorSharedFile(const KorSharedFile&) = delete;
     KorSharedFile& operator=(const KorSharedFile&) = delete;
 
-    // Called under the descriptor's lock, on a file that was made just now (all zero).
-    using Initialise = bool (*)(void* data, size_t size);
+    // Works on the mapped bytes; false is a failure.
+    using Work = bool (*)(void* data, size_t size);
+    // The same, called on a file that is all zero and that nobody else can see yet.
+    using Initialise = Work;
 
     // Creates or attaches `name` with `size` bytes. An existing file that is shorter is grown (the
     // new bytes are zero); it is never shrunk. False: nothing is mapped. The name must not hold a
-    // slash.
+    // slash; only a regular file is attached, never through a symbolic link. `initialise` may be
+    // null: the file stays all zero.
     bool Open(const char* name, size_t size, Initialise initialise) noexcept;
     void Close() noexcept;
 
@@ -33,12 +42,31 @@ class KOR_API KorSharedFile {
     // False when another process has cut the file below the mapped size since: touching the mapping
     // would be fatal.
     bool IsWhole() const noexcept;
+    // Whether both map one file, whatever its names.
+    bool IsSameFile(const KorSharedFile& other) const noexcept;
     void* Data() const noexcept { return data_; }
     size_t Size() const noexcept { return size_; }
 
+    // Does the work while no other process opens the file or is in an UnderLock of it. False when
+    // the file is not open or not whole, when another process keeps its lock for seconds, or when
+    // the work fails.
+    bool UnderLock(Work work) noexcept;
+
+    // For a file that was cut short while something still points into the mapping: puts private
+    // zeros in the mapping's place, so that following such a pointer is no longer fatal.
+    void GiveUp() noexcept;
+
   private:
+    enum class Step { kDone, kRefused, kAgain };
+
+    Step Attach(const char* path, size_t size, Initialise initialise) noexcept;
+    Step Make(const char* path, size_t size, Initialise initialise, bool replace) noexcept;
+    bool Map(int descriptor, size_t size) noexcept;
+
     void* data_ = nullptr;
     size_t size_ = 0;
     int descriptor_ = -1;
     bool created_ = false;
+    dev_t device_ = 0;
+    ino_t inode_ = 0;
 };

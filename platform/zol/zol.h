@@ -9,8 +9,9 @@ extern "C" {
 
 // Writes the installation directory: the environment variable KOR_DIR, read at every call, when it
 // is set and absolute, else the compiled-in default. Trailing slashes are dropped (the root
-// directory is the empty text, so that a relative path "/oam/..." can be appended). The flag changes
-// nothing. 0, or non-zero with the buffer untouched when the text and its NUL do not fit in `size`.
+// directory is the empty text, so that a relative path "/oam/..." can be appended). The flag
+// changes nothing. 0, or non-zero with the buffer untouched when the text and its NUL do not fit in
+// `size`.
 ZOL_API int zolGetKorDir(bool flag, char* buffer, unsigned size) noexcept;
 
 // Stores the address of a symbol of a loaded library. 0, or ZOL_NO_SYMBOL with *address untouched.

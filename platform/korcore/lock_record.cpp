@@ -1,0 +1,88 @@
+#include "korcore/lock_record.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <iterator>
+
+namespace {
+
+bool initialiseMutex(pthread_mutex_t* mutex) {
+    pthread_mutexattr_t attributes;
+    if (pthread_mutexattr_init(&attributes) != 0) return false;
+    const bool made = pthread_mutexattr_setpshared(&attributes, PTHREAD_PROCESS_SHARED) == 0 &&
+                      pthread_mutexattr_setrobust(&attributes, PTHREAD_MUTEX_ROBUST) == 0 &&
+                      pthread_mutex_init(mutex, &attributes) == 0;
+    pthread_mutexattr_destroy(&attributes);
+    return made;
+}
+
+// The kind steers what the C library does with a mutex, and no locking changes it. Another kind
+// would make it stop the process or follow wild pointers.
+bool isOurKind(const pthread_mutex_t& mutex) {
+#if defined(__GLIBC__)
+    pthread_mutex_t fresh;
+    if (!initialiseMutex(&fresh)) return false;
+    const bool same = mutex.__data.__kind == fresh.__data.__kind;
+    pthread_mutex_destroy(&fresh);
+    return same;
+#else
+    (void)mutex;
+    return true;
+#endif
+}
+
+bool isAllZero(const void* data, size_t size) {
+    const auto* bytes = static_cast<const unsigned char*>(data);
+    return std::all_of(bytes, bytes + size, [](unsigned char byte) { return byte == 0; });
+}
+
+}  // namespace
+
+bool korWriteLockRecord(void* data, size_t size) noexcept {
+    if (size < sizeof(KorLockRecord)) return false;
+    auto* record = static_cast<KorLockRecord*>(data);
+    record->state.exchange(KorLockRecord::kMaking, std::memory_order_acq_rel);
+    record->size = sizeof(KorLockRecord);
+    record->generation.store(0, std::memory_order_relaxed);
+    record->unused = 0;
+    for (pthread_mutex_t& mutex : record->mutex) {
+        if (!initialiseMutex(&mutex)) return false;
+    }
+    record->end = KorLockRecord::kEnd;
+    record->state.store(KorLockRecord::kReady, std::memory_order_release);
+    return true;
+}
+
+bool korTrustLockRecord(void* data, size_t size) noexcept {
+    if (size < sizeof(KorLockRecord)) return false;
+    auto* record = static_cast<KorLockRecord*>(data);
+    const uint32_t state = record->state.load(std::memory_order_acquire);
+    if (state == KorLockRecord::kMaking || isAllZero(data, size)) {
+        return korWriteLockRecord(data, size);
+    }
+    return state == KorLockRecord::kReady && record->size == sizeof(KorLockRecord) &&
+           record->end == KorLockRecord::kEnd &&
+           std::all_of(std::begin(record->mutex), std::end(record->mutex), isOurKind);
+}
+
+bool korReplaceLostMutex(void* data, size_t) noexcept {
+    auto* record = static_cast<KorLockRecord*>(data);
+    pthread_mutex_t* current = record->Current();
+    switch (pthread_mutex_trylock(current)) {
+        case ENOTRECOVERABLE: {
+            const uint32_t next = record->generation.load(std::memory_order_relaxed) + 1;
+            if (!initialiseMutex(&record->mutex[next % KorLockRecord::kMutexes])) return false;
+            record->generation.store(next, std::memory_order_release);
+            return true;
+        }
+        case EOWNERDEAD:
+            pthread_mutex_consistent(current);
+            [[fallthrough]];
+        case 0:
+            pthread_mutex_unlock(current);
+            return true;
+        default:
+            return true;
+    }
+}
