@@ -8,11 +8,9 @@
 # host's copy of something, nor the host to its. What stays undefined is an error at link time, not
 # in a running host.
 
-set(OAM_PLUGIN_MAPS ${CMAKE_CURRENT_LIST_DIR})
-
 function(oam_plugin name suffix)
     set(target ${name}_${suffix})
-    set(map ${OAM_PLUGIN_MAPS}/${suffix}.map)
+    set(map ${CMAKE_CURRENT_FUNCTION_LIST_DIR}/${suffix}.map)
     add_library(${target} MODULE ${ARGN})
     set_target_properties(${target} PROPERTIES
         PREFIX "" OUTPUT_NAME ${name} SUFFIX .${suffix}
