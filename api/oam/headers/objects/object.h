@@ -73,6 +73,11 @@ class KOR_CMObject {
     oam_result Save(CXmlExport& exporter) noexcept;
     // OAMERR_NOT_FOUND when there was none.
     oam_result RemoveFile() noexcept;
+    // From BeginCreation on the data file lies under a name that no start reads; EndCreation gives
+    // it its own. So a creation that its process does not survive leaves no half-made object
+    // behind. OAMERR_FILE_WRITE_ERROR.
+    void BeginCreation() noexcept { beingCreated_ = true; }
+    oam_result EndCreation() noexcept;
 
     // ---- Db layer: OAMERR_ACCESS_DENIED when the open state does not allow the call.
 
@@ -106,7 +111,8 @@ class KOR_CMObject {
     bool IsOpen() const noexcept { return openCount_ > 0; }
     bool MayWrite() const noexcept { return IsOpen() && IsReadWrite(); }
     bool MayProvide() const noexcept { return MayWrite() && (openMode_ & OAM_OPEN_PROVIDER) != 0; }
-    oam_result BuildPath(char* path) const noexcept;
+    struct DataFilePath;
+    oam_result BuildPath(DataFilePath* path) const noexcept;
     oam_result ReadFile(const char* path) noexcept;
     oam_result WriteFile(const char* path, bool sync) noexcept;
 
@@ -115,6 +121,7 @@ class KOR_CMObject {
     CArrayPtrsToKeyword keywords_;
     int openCount_ = 0;
     unsigned openMode_ = OAM_OPEN_READ;
+    bool beingCreated_ = false;
 };
 
 // The default of one of eight qualifiers, whatever the keyword; OAMERR_NOT_FOUND for any other.

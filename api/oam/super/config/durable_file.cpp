@@ -16,17 +16,24 @@ namespace {
 constexpr mode_t kNewFileMode = 0666;  // the process's umask applies
 constexpr mode_t kPermissions = 07777;
 
-bool createLike(const char* path, const struct stat* existing) noexcept {
+// 0, or what errno says.
+int createLike(const char* path, const struct stat* existing) noexcept {
     const int descriptor =
         open(path, O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW | O_CLOEXEC, kNewFileMode);
-    if (descriptor < 0) return false;
+    if (descriptor < 0) return errno;
     if (existing != nullptr) {
         // Best effort: a file that its owner opened to others stays so.
         (void)fchmod(descriptor, existing->st_mode & kPermissions);
         if (fchown(descriptor, existing->st_uid, existing->st_gid) != 0) errno = 0;
     }
     close(descriptor);
-    return true;
+    return 0;
+}
+
+// The directory or the name allows no file beside. Any other failure (a full disk, too many open
+// files) would spoil the old file too if it were written in place.
+bool forbidsBeside(int error) noexcept {
+    return error == EACCES || error == EPERM || error == EROFS || error == ENAMETOOLONG;
 }
 
 }  // namespace
@@ -38,8 +45,17 @@ oam_result DurableFile::Begin(const char* path) noexcept {
     if (exists && !S_ISREG(status.st_mode)) return OAM_SUCCESS;
     oam::OwnedText beside;
     if (!beside.Join(path, kBesideSuffix)) return OAMERR_NOT_ENOUGH_MEMORY;
-    if (createLike(beside.Get(), exists ? &status : nullptr)) beside_ = std::move(beside);
-    return OAM_SUCCESS;
+    const int error = createLike(beside.Get(), exists ? &status : nullptr);
+    if (error == 0) {
+        beside_ = std::move(beside);
+        return OAM_SUCCESS;
+    }
+    return forbidsBeside(error) ? OAM_SUCCESS : OAMERR_FILE_WRITE_ERROR;
+}
+
+bool isWrittenInPlace(const char* path) noexcept {
+    struct stat status;
+    return lstat(path, &status) == 0 && !S_ISREG(status.st_mode);
 }
 
 oam_result DurableFile::Finish(oam_result written) noexcept {

@@ -2,17 +2,20 @@
 // the machine stops: written beside, synced, renamed over, the directory synced.
 //
 // A target that exists and is no regular file (a link, a device) is written in place, and so is one
-// beside which nothing can be created. What a death leaves beside ends in kBesideSuffix, which no
-// reader takes for a data file; the start-up scan clears it.
+// beside which its directory allows no file. What a death leaves beside ends in kBesideSuffix,
+// which no reader takes for a data file; the start-up scan clears it.
 #pragma once
 
 #include "base/text.h"
 
 constexpr char kBesideSuffix[] = ".saving";
+// Ends the name of the data file of an object that is still being created; cleared likewise.
+constexpr char kCreationSuffix[] = ".making";
 
 class DurableFile {
   public:
-    // Decides where to write and reserves the name beside. OAMERR_NOT_ENOUGH_MEMORY.
+    // Decides where to write and reserves the name beside. OAMERR_NOT_ENOUGH_MEMORY,
+    // OAMERR_FILE_WRITE_ERROR: the old file is untouched.
     oam_result Begin(const char* path) noexcept;
 
     // The file to write; when it is beside, the writer syncs it.
@@ -27,6 +30,9 @@ class DurableFile {
     const char* path_ = "";
     oam::OwnedText beside_;
 };
+
+// Whether something that is no regular file lies at the path.
+bool isWrittenInPlace(const char* path) noexcept;
 
 // Makes the names in a directory durable: the one that holds `path`. False on an I/O error.
 bool syncDirectoryOf(const char* path) noexcept;

@@ -12,21 +12,41 @@
 
 using oam::kPathSize;
 
-oam_result KOR_CMObject::BuildPath(char* path) const noexcept {
-    if (auto failed = GetFullPath(false, "/oam/cfg/", path, kPathSize)) return failed;
-    const size_t length = strlen(path);
-    return oam::CopyText(dataFileName_.Get(), path + length,
-                         static_cast<unsigned>(kPathSize - length));
+struct KOR_CMObject::DataFilePath {
+    char text[kPathSize + sizeof kCreationSuffix];
+};
+
+oam_result KOR_CMObject::BuildPath(DataFilePath* path) const noexcept {
+    if (auto failed = GetFullPath(false, "/oam/cfg/", path->text, kPathSize)) return failed;
+    const size_t length = strlen(path->text);
+    if (auto failed = oam::CopyText(dataFileName_.Get(), path->text + length,
+                                    static_cast<unsigned>(kPathSize - length))) {
+        return failed;
+    }
+    // What is written in place anyway gains nothing from another name.
+    if (beingCreated_ && !isWrittenInPlace(path->text)) strcat(path->text, kCreationSuffix);
+    return OAM_SUCCESS;
+}
+
+oam_result KOR_CMObject::EndCreation() noexcept {
+    if (!beingCreated_) return OAM_SUCCESS;
+    DataFilePath made;
+    if (auto failed = BuildPath(&made)) return failed;
+    beingCreated_ = false;
+    DataFilePath final;
+    if (auto failed = BuildPath(&final)) return failed;
+    const bool renamed = rename(made.text, final.text) == 0;
+    return renamed && syncDirectoryOf(final.text) ? OAM_SUCCESS : OAMERR_FILE_WRITE_ERROR;
 }
 
 oam_result KOR_CMObject::Load() noexcept {
-    char path[kPathSize];
-    if (auto failed = BuildPath(path)) return failed;
+    DataFilePath path;
+    if (auto failed = BuildPath(&path)) return failed;
     // The reading itself creates every entry.
     const int openCount = std::exchange(openCount_, 1);
     const unsigned openMode =
         std::exchange(openMode_, unsigned{OAM_OPEN_WRITE} | unsigned{OAM_OPEN_PROVIDER});
-    const oam_result result = ReadFile(path);
+    const oam_result result = ReadFile(path.text);
     openCount_ = openCount;
     openMode_ = openMode;
     return result;
@@ -49,10 +69,10 @@ oam_result KOR_CMObject::ReadFile(const char* path) noexcept {
 }
 
 oam_result KOR_CMObject::Save() noexcept {
-    char path[kPathSize];
-    if (auto failed = BuildPath(path)) return failed;
+    DataFilePath path;
+    if (auto failed = BuildPath(&path)) return failed;
     DurableFile file;
-    if (auto failed = file.Begin(path)) return failed;
+    if (auto failed = file.Begin(path.text)) return failed;
     return file.Finish(WriteFile(file.Target(), file.IsBeside()));
 }
 
@@ -82,7 +102,7 @@ oam_result KOR_CMObject::Save(CXmlExport& exporter) noexcept {
 }
 
 oam_result KOR_CMObject::RemoveFile() noexcept {
-    char path[kPathSize];
-    if (auto failed = BuildPath(path)) return failed;
-    return remove(path) == 0 ? OAM_SUCCESS : OAMERR_NOT_FOUND;
+    DataFilePath path;
+    if (auto failed = BuildPath(&path)) return failed;
+    return remove(path.text) == 0 ? OAM_SUCCESS : OAMERR_NOT_FOUND;
 }

@@ -46,12 +46,15 @@ oam_result CMObjMgr::InitKeywords(const char* name, const char* product) noexcep
 oam_result CMObjMgr::CreateObject(const char* name, const char* product) noexcept {
     if (auto failed = Insert(name, nullptr)) return failed;
     (void)RemoveFile(name);  // a stale file of the same name
+    Find(name)->BeginCreation();
     oam_result result = InitKeywords(name, product);
-    if (result == OAM_SUCCESS) {
-        KOR_CMObject* object = Find(name);
-        result = object != nullptr ? object->TrapCreate(name, product) : OAMERR_NOT_FOUND;
-    }
-    if (result != OAM_SUCCESS) (void)Remove(name);
+    KOR_CMObject* object = Find(name);
+    if (object == nullptr) return result != OAM_SUCCESS ? result : OAMERR_NOT_FOUND;
+    if (result == OAM_SUCCESS) result = object->TrapCreate(name, product);
+    object = Find(name);  // the plug-in may have removed it
+    if (object == nullptr) return result != OAM_SUCCESS ? result : OAMERR_NOT_FOUND;
+    if (result == OAM_SUCCESS) result = object->EndCreation();
+    if (result != OAM_SUCCESS && Remove(name) != OAM_SUCCESS) (void)object->EndCreation();
     return result;
 }
 

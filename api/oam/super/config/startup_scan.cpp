@@ -2,7 +2,7 @@
 //
 // A file that cannot be opened stops the start; one that can be opened but not read to its end is
 // renamed to "*.bak" and told in an alert. Before the scan, what a death left behind is put right:
-// an unfinished import is rolled back and files beside their targets are removed.
+// an unfinished import is rolled back and files that were not finished are removed.
 
 #include <cstdio>
 
@@ -26,10 +26,10 @@ oam_result joinPath(const char* directory, const char* fileName, char (&path)[kP
     return length > 0 && length < int{kPathSize} ? OAM_SUCCESS : OAMERR_NOT_ENOUGH_MEMORY;
 }
 
-void clearUnfinishedSaves(const char* directory) noexcept {
+void clearFiles(const char* directory, const char* suffix) noexcept {
     oam::FileListing listing;
     if (!listing.Open(directory)) return;
-    while (const char* fileName = listing.Next(kBesideSuffix)) {
+    while (const char* fileName = listing.Next(suffix)) {
         oam::OwnedText path;
         oam::OwnedText prefix;
         if (prefix.Join(directory, "/") && path.Join(prefix.Get(), fileName)) {
@@ -47,7 +47,8 @@ oam_result CMObjMgr::Init() noexcept {
     directory[strlen(directory) - 1] = '\0';
     // Better no start than one on half a configuration.
     if (!rollBackImport(directory)) return OAMERR_FILE_READ_ERROR;
-    clearUnfinishedSaves(directory);
+    clearFiles(directory, kBesideSuffix);
+    clearFiles(directory, kCreationSuffix);
     oam_result result = ScanDataFiles(directory);
     if (result != OAM_SUCCESS) Exit();
     return result;
