@@ -23,61 +23,65 @@ class CMOSuper : public KOR_CMObject {
                                 char* buffer, unsigned size) noexcept override;
 };
 
-class CMOBoard : public KOR_CMObject {
+// Where a proxy's operations go: each function takes the object's name first.
+struct ObjectGlue {
+    oam_result (*open)(const char* name, unsigned long handle, unsigned mode) noexcept;
+    oam_result (*close)(const char* name, unsigned long handle) noexcept;
+    oam_result (*setKeyword)(const char* name, unsigned long handle, const char* keyword,
+                             const char* value) noexcept;
+    oam_result (*getKeyword)(const char* name, unsigned long handle, const char* keyword,
+                             char* buffer, unsigned size) noexcept;
+    oam_result (*setQualifier)(const char* name, unsigned long handle, const char* keyword,
+                               const char* qualifier, const char* value) noexcept;
+    oam_result (*getQualifier)(const char* name, unsigned long handle, const char* keyword,
+                               const char* qualifier, char* buffer, unsigned size) noexcept;
+};
+
+// Passes every access on, arguments and results unchanged.
+class ProxyObject : public KOR_CMObject {
   public:
-    using KOR_CMObject::KOR_CMObject;
+    oam_result TrapOpen(unsigned long handle, unsigned mode) noexcept override;
+    oam_result TrapClose(unsigned long handle) noexcept override;
+    oam_result TrapSetKeyword(unsigned long handle, const char* name,
+                              const char* value) noexcept override;
+    oam_result TrapGetKeyword(unsigned long handle, const char* name, char* buffer,
+                              unsigned size) noexcept override;
+    oam_result TrapSetQualifier(unsigned long handle, const char* keyword, const char* qualifier,
+                                const char* value) noexcept override;
+    oam_result TrapGetQualifier(unsigned long handle, const char* keyword, const char* qualifier,
+                                char* buffer, unsigned size) noexcept override;
+
+  protected:
+    ProxyObject(const char* name, const char* dataFileName, const ObjectGlue& glue) noexcept
+        : KOR_CMObject(name, dataFileName), glue_(glue) {}
+
+  private:
+    const ObjectGlue& glue_;
+};
+
+class CMOBoard : public ProxyObject {
+  public:
+    CMOBoard(const char* name, const char* dataFileName) noexcept;
 
     bool IsBoard() const noexcept override { return true; }
     oam_result TrapCreate(const char* name, const char* product) noexcept override;
     oam_result TrapDelete() noexcept override;
-    oam_result TrapOpen(unsigned long handle, unsigned mode) noexcept override;
-    oam_result TrapClose(unsigned long handle) noexcept override;
-    oam_result TrapSetKeyword(unsigned long handle, const char* name,
-                              const char* value) noexcept override;
-    oam_result TrapGetKeyword(unsigned long handle, const char* name, char* buffer,
-                              unsigned size) noexcept override;
-    oam_result TrapSetQualifier(unsigned long handle, const char* keyword, const char* qualifier,
-                                const char* value) noexcept override;
-    oam_result TrapGetQualifier(unsigned long handle, const char* keyword, const char* qualifier,
-                                char* buffer, unsigned size) noexcept override;
 };
 
 // An object that stands for a file in "/lib". Its data file is named by the object's name with
 // everything after the first "." replaced by "xmo".
-class FileProxy : public KOR_CMObject {
-  public:
+class FileProxy : public ProxyObject {
+  protected:
     // Kept: the first dot counts, not the last, so "a.b.emc" shares "a.xmo" with "a.emc".
-    explicit FileProxy(const char* name) noexcept;
+    FileProxy(const char* name, const ObjectGlue& glue) noexcept;
 };
 
 class CMOPlugin : public FileProxy {
   public:
-    using FileProxy::FileProxy;
-
-    oam_result TrapOpen(unsigned long handle, unsigned mode) noexcept override;
-    oam_result TrapClose(unsigned long handle) noexcept override;
-    oam_result TrapSetKeyword(unsigned long handle, const char* name,
-                              const char* value) noexcept override;
-    oam_result TrapGetKeyword(unsigned long handle, const char* name, char* buffer,
-                              unsigned size) noexcept override;
-    oam_result TrapSetQualifier(unsigned long handle, const char* keyword, const char* qualifier,
-                                const char* value) noexcept override;
-    oam_result TrapGetQualifier(unsigned long handle, const char* keyword, const char* qualifier,
-                                char* buffer, unsigned size) noexcept override;
+    explicit CMOPlugin(const char* name) noexcept;
 };
 
 class CMOEmc : public FileProxy {
   public:
-    using FileProxy::FileProxy;
-
-    oam_result TrapOpen(unsigned long handle, unsigned mode) noexcept override;
-    oam_result TrapClose(unsigned long handle) noexcept override;
-    oam_result TrapSetKeyword(unsigned long handle, const char* name,
-                              const char* value) noexcept override;
-    oam_result TrapGetKeyword(unsigned long handle, const char* name, char* buffer,
-                              unsigned size) noexcept override;
-    oam_result TrapSetQualifier(unsigned long handle, const char* keyword, const char* qualifier,
-                                const char* value) noexcept override;
-    oam_result TrapGetQualifier(unsigned long handle, const char* keyword, const char* qualifier,
-                                char* buffer, unsigned size) noexcept override;
+    explicit CMOEmc(const char* name) noexcept;
 };
