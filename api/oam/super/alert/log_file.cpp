@@ -46,6 +46,7 @@ oam_result LogFile::Begin(const char* path) noexcept {
     if (stream_ == nullptr) return OAMERR_FILE_WRITE_ERROR;
     isOpen_.store(true, std::memory_order_release);
     fprintf(stream_, "%s - Logging start\n", TimeStamp().text);
+    (void)fflush(stream_);  // who looks at the file sees that the log is on
     return OAM_SUCCESS;
 }
 
