@@ -124,7 +124,8 @@ class CKorStreamableArray : public CKorArray<T> {
 // An array that lives in a shared segment. Every access takes the segment's lock, reads the whole
 // array and writes it back, so that a reader always sees the present contents. Lock and Unlock hold
 // the same lock around several accesses; it nests. A segment whose contents make no sense is an
-// empty array, and is one again after the next access.
+// empty array, and is one again after the next access. A death in the middle of writing a change
+// can leave part of it; CKorStreamSharedMemory::Replace publishes contents that must be whole.
 //
 // The clang analysis follows neither a lock that nests nor one that outlives the function that
 // takes it; it is off where this class does that.

@@ -33,7 +33,9 @@ int takeUntil(pthread_mutex_t* mutex, const timespec& end) {
     }
 }
 #else
-// By the monotonic clock: setting the time of day neither cuts a wait short nor prolongs it.
+// By the monotonic clock: setting the time of day neither cuts a wait short nor prolongs it. Not
+// pthread_mutex_trylock when the end is past: in the C library it leaves a mutex locked for ever
+// that it finds not recoverable.
 int takeUntil(pthread_mutex_t* mutex, const timespec& end) {
     return pthread_mutex_clocklock(mutex, CLOCK_MONOTONIC, &end);
 }
@@ -42,6 +44,7 @@ int takeUntil(pthread_mutex_t* mutex, const timespec& end) {
 }  // namespace
 
 KorDeadline::KorDeadline(unsigned timeout) noexcept : timeout_(timeout) {
+    // An end at 0 is always past.
     if (timeout == 0 || timeout == kKorForever) return;
     clock_gettime(CLOCK_MONOTONIC, &end_);
     end_.tv_sec += timeout / 1000;
@@ -53,7 +56,6 @@ KorDeadline::KorDeadline(unsigned timeout) noexcept : timeout_(timeout) {
 }
 
 int KorDeadline::Take(pthread_mutex_t* mutex) const noexcept {
-    if (timeout_ == 0) return pthread_mutex_trylock(mutex);
     if (timeout_ == kKorForever) return pthread_mutex_lock(mutex);
     return takeUntil(mutex, end_);
 }

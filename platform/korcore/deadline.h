@@ -9,8 +9,8 @@ class KorDeadline {
     // Milliseconds from now, as in korcore/mutex.h.
     explicit KorDeadline(unsigned timeout) noexcept;
 
-    // Takes the mutex before the end; the result is that of pthread_mutex_lock, _trylock or
-    // _clocklock, so EBUSY or ETIMEDOUT when the time ran out.
+    // Takes the mutex before the end; the result is that of pthread_mutex_lock or _clocklock, so
+    // ETIMEDOUT when the time ran out.
     int Take(pthread_mutex_t* mutex) const noexcept;
 
   private:

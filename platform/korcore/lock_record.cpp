@@ -66,23 +66,10 @@ bool korTrustLockRecord(void* data, size_t size) noexcept {
            std::all_of(std::begin(record->mutex), std::end(record->mutex), isOurKind);
 }
 
-bool korReplaceLostMutex(void* data, size_t) noexcept {
+bool korReplaceMutex(void* data, uint32_t lostGeneration) noexcept {
     auto* record = static_cast<KorLockRecord*>(data);
-    pthread_mutex_t* current = record->Current();
-    switch (pthread_mutex_trylock(current)) {
-        case ENOTRECOVERABLE: {
-            const uint32_t next = record->generation.load(std::memory_order_relaxed) + 1;
-            if (!initialiseMutex(&record->mutex[next % KorLockRecord::kMutexes])) return false;
-            record->generation.store(next, std::memory_order_release);
-            return true;
-        }
-        case EOWNERDEAD:
-            pthread_mutex_consistent(current);
-            [[fallthrough]];
-        case 0:
-            pthread_mutex_unlock(current);
-            return true;
-        default:
-            return true;
-    }
+    if (record->generation.load(std::memory_order_acquire) != lostGeneration) return true;
+    if (!initialiseMutex(record->MutexOf(lostGeneration + 1))) return false;
+    record->generation.store(lostGeneration + 1, std::memory_order_release);
+    return true;
 }

@@ -31,9 +31,7 @@ struct KorLockRecord {
     pthread_mutex_t mutex[kMutexes];
     uint64_t end;
 
-    pthread_mutex_t* Current() {
-        return &mutex[generation.load(std::memory_order_acquire) % kMutexes];
-    }
+    pthread_mutex_t* MutexOf(uint32_t number) { return &mutex[number % kMutexes]; }
 };
 
 static_assert(std::atomic<uint32_t>::is_always_lock_free);
@@ -44,5 +42,5 @@ bool korWriteLockRecord(void* data, size_t size) noexcept;
 // Both under the file's lock. Whether the bytes are a lock of ours; one that was never completed is
 // written anew.
 bool korTrustLockRecord(void* data, size_t size) noexcept;
-// Goes on to the next mutex when the current one can never be locked again.
-bool korReplaceLostMutex(void* data, size_t size) noexcept;
+// Goes on to the next mutex after the one of this generation, unless somebody has done so already.
+bool korReplaceMutex(void* data, uint32_t lostGeneration) noexcept;

@@ -13,6 +13,12 @@ KorNamedLock* s_registry = nullptr;
 pthread_once_t s_forkHandlersOnce = PTHREAD_ONCE_INIT;
 bool s_forkHandlersSet = false;
 
+bool trustRecord(void* data, size_t size, void*) { return korTrustLockRecord(data, size); }
+
+bool replaceMutex(void* data, size_t, void* lostGeneration) {
+    return korReplaceMutex(data, *static_cast<uint32_t*>(lostGeneration));
+}
+
 }  // namespace
 
 KorNamedLock* KorNamedLock::Attach(const char* name) noexcept {
@@ -24,7 +30,7 @@ KorNamedLock* KorNamedLock::Attach(const char* name) noexcept {
     if (lock == nullptr) return nullptr;
     // Opening may wait for other processes, so it is done before the registry is held.
     if (!lock->file_.Open(name, sizeof(KorLockRecord), korWriteLockRecord) ||
-        !lock->file_.UnderLock(korTrustLockRecord)) {
+        !lock->file_.UnderLock(trustRecord, nullptr)) {
         delete lock;
         return nullptr;
     }
@@ -111,20 +117,21 @@ bool KorNamedLock::TakeLevelInProcess(const KorDeadline& deadline) noexcept {
 bool KorNamedLock::TakeLevelInFile(const KorDeadline& deadline) noexcept {
     auto* record = static_cast<KorLockRecord*>(file_.Data());
     while (IsUsable()) {
-        pthread_mutex_t* mutex = record->Current();
+        uint32_t generation = record->generation.load(std::memory_order_acquire);
+        pthread_mutex_t* mutex = record->MutexOf(generation);
         switch (deadline.Take(mutex)) {
             case EOWNERDEAD:
                 if (pthread_mutex_consistent(mutex) != 0) return false;
                 [[fallthrough]];
             case 0:
-                if (mutex == record->Current()) {
+                if (record->generation.load(std::memory_order_acquire) == generation) {
                     inFile_ = mutex;
                     return true;
                 }
                 pthread_mutex_unlock(mutex);
                 break;
             case ENOTRECOVERABLE:
-                if (!file_.UnderLock(korReplaceLostMutex)) return false;
+                if (!file_.UnderLock(replaceMutex, &generation)) return false;
                 break;
             default:
                 return false;

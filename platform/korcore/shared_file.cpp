@@ -181,10 +181,10 @@ bool KorSharedFile::IsSameFile(const KorSharedFile& other) const noexcept {
     return IsOpen() && other.IsOpen() && device_ == other.device_ && inode_ == other.inode_;
 }
 
-bool KorSharedFile::UnderLock(Work work) noexcept {
+bool KorSharedFile::UnderLock(Work work, void* context) noexcept {
     if (data_ == nullptr) return false;
     const DescriptorLock lock(descriptor_);
-    return lock.IsHeld() && IsWhole() && work(data_, size_);
+    return lock.IsHeld() && IsWhole() && work(data_, size_, context);
 }
 
 void KorSharedFile::GiveUp() noexcept {

@@ -24,15 +24,15 @@ class KOR_API KorSharedFile {
     KorSharedFile(const KorSharedFile&) = delete;
     KorSharedFile& operator=(const KorSharedFile&) = delete;
 
-    // Works on the mapped bytes; false is a failure.
-    using Work = bool (*)(void* data, size_t size);
-    // The same, called on a file that is all zero and that nobody else can see yet.
-    using Initialise = Work;
+    // Called on a file that is all zero and that nobody else can see yet. False: Open fails.
+    using Initialise = bool (*)(void* data, size_t size);
+    // Works on the mapped bytes; the context is the caller's. False is a failure.
+    using Work = bool (*)(void* data, size_t size, void* context);
 
     // Creates or attaches `name` with `size` bytes. An existing file that is shorter is grown (the
     // new bytes are zero); it is never shrunk. False: nothing is mapped. The name must not hold a
-    // slash; only a regular file is attached, never through a symbolic link. `initialise` may be
-    // null: the file stays all zero.
+    // slash; only a regular file is attached, never through a symbolic link, and not when another
+    // process keeps its lock for seconds. `initialise` may be null: the file stays all zero.
     bool Open(const char* name, size_t size, Initialise initialise) noexcept;
     void Close() noexcept;
 
@@ -50,7 +50,7 @@ class KOR_API KorSharedFile {
     // Does the work while no other process opens the file or is in an UnderLock of it. False when
     // the file is not open or not whole, when another process keeps its lock for seconds, or when
     // the work fails.
-    bool UnderLock(Work work) noexcept;
+    bool UnderLock(Work work, void* context) noexcept;
 
     // For a file that was cut short while something still points into the mapping: puts private
     // zeros in the mapping's place, so that following such a pointer is no longer fatal.
