@@ -36,9 +36,15 @@ TableMutex& TableLock() noexcept;
 // Whether the calling thread holds either lock.
 bool HoldsDatabaseLock() noexcept;
 
-// Marks the calling thread's topmost `count` holds of the table lock as left over: the thread gives
-// them back when it next asks for a database lock, or ends.
-void LeaveTableLockOver(int count) noexcept;
+// A frame that may return with the table lock still taken. What the outermost one leaves of it is
+// the thread's left-over: the thread gives it back when it next asks for a database lock, or ends.
+class LeftOverFrame {
+  public:
+    LeftOverFrame() noexcept;
+    ~LeftOverFrame();
+    LeftOverFrame(const LeftOverFrame&) = delete;
+    LeftOverFrame& operator=(const LeftOverFrame&) = delete;
+};
 
 template <class Lock>
 class SCOPED_CAPABILITY LockGuard {

@@ -53,8 +53,10 @@ class KOR_CMObject {
     const char* DataFileName() const noexcept { return dataFileName_.Get(); }
     // A rename that cannot fail; the old name is left in `name`.
     void SwapName(oam::OwnedText* name) noexcept { std::swap(name_, *name); }
-    bool SetDataFileName(const char* name) noexcept { return dataFileName_.Assign(name); }
-    bool HasTexts() const noexcept { return !name_.IsNull(); }
+    // False, and the object is not complete, when there is no memory.
+    bool SetDataFileName(const char* name) noexcept;
+    // Whether every text that it was given could be copied.
+    bool IsComplete() const noexcept { return isComplete_; }
     int OpenCount() const noexcept { return openCount_; }
     // Of the current opening, or of the last one when closed.
     bool IsReadWrite() const noexcept { return (openMode_ & OAM_OPEN_WRITE) != 0; }
@@ -122,6 +124,7 @@ class KOR_CMObject {
     int openCount_ = 0;
     unsigned openMode_ = OAM_OPEN_READ;
     bool beingCreated_ = false;
+    bool isComplete_ = false;
 };
 
 // The default of one of eight qualifiers, whatever the keyword; OAMERR_NOT_FOUND for any other.

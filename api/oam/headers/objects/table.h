@@ -45,13 +45,13 @@ class PointerArray {
     // Takes the record out without freeing it.
     oam_result TakeAt(int index) noexcept {
         if (count_ - 1 > capacity_ - growBy_) {
-            memmove(items_ + index, items_ + index + 1, Bytes(count_ - index - 1));
-        } else {
-            Record** shrunk = new (std::nothrow) Record*[capacity_ - growBy_];
-            if (shrunk == nullptr) return OAMERR_NOT_ENOUGH_MEMORY;
-            CopyAround(shrunk, index, index + 1, index);
-            Replace(shrunk, capacity_ - growBy_);
+            CloseGap(index);
+            return OAM_SUCCESS;
         }
+        Record** shrunk = new (std::nothrow) Record*[static_cast<size_t>(capacity_ - growBy_)];
+        if (shrunk == nullptr) return OAMERR_NOT_ENOUGH_MEMORY;
+        CopyAround(shrunk, index, index + 1, index);
+        Replace(shrunk, capacity_ - growBy_);
         --count_;
         return OAM_SUCCESS;
     }
@@ -61,6 +61,13 @@ class PointerArray {
         if (auto failed = TakeAt(index)) return failed;
         delete record;
         return OAM_SUCCESS;
+    }
+
+    // For records that must go: without memory for a smaller array the slots are kept.
+    void RemoveSurely(int index) noexcept {
+        if (RemoveAt(index) == OAM_SUCCESS) return;
+        delete items_[index];
+        CloseGap(index);
     }
 
     void RemoveAll() noexcept {
@@ -84,6 +91,11 @@ class PointerArray {
 
   private:
     static size_t Bytes(int slots) noexcept { return static_cast<size_t>(slots) * sizeof(Record*); }
+
+    void CloseGap(int index) noexcept {
+        memmove(items_ + index, items_ + index + 1, Bytes(count_ - index - 1));
+        --count_;
+    }
 
     // The first `before` slots stay where they are; those from `source` on go to `target`.
     void CopyAround(Record** other, int before, int source, int target) const noexcept {

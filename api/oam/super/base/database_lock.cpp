@@ -13,7 +13,12 @@ constexpr int kTableRank = 1;
 
 struct ThreadHolds {
     int depth[2] = {0, 0};
-    int leftOver = 0;
+    int leftOver = 0;  // of the table lock
+    int frames = 0;
+    int heldBeforeFrames = 0;
+
+    int TableHoldsInUse() const noexcept { return depth[kTableRank] - leftOver; }
+    void LeaveOver() noexcept { leftOver += TableHoldsInUse() - heldBeforeFrames; }
 
     ~ThreadHolds() { GiveBack(); }
     void GiveBack() noexcept NO_THREAD_SAFETY_ANALYSIS {
@@ -39,7 +44,12 @@ template <class Mutex, int kRank>
 void DatabaseLock<Mutex, kRank>::Lock() noexcept NO_THREAD_SAFETY_ANALYSIS {
     // Before waiting: what a failed creation left to this thread would otherwise be held while it
     // waits for the manager lock, against the order.
-    if (kRank == kManagerRank) holds.GiveBack();
+    if (kRank == kManagerRank) {
+        // A frame works under the manager lock; without it, what the frame holds of the table lock
+        // is what it has left over already.
+        if (holds.frames > 0 && holds.depth[kManagerRank] == 0) holds.LeaveOver();
+        holds.GiveBack();
+    }
 #ifndef NDEBUG
     checkOrder(kRank);
 #endif
@@ -74,6 +84,12 @@ TableMutex& TableLock() noexcept {
 
 bool HoldsDatabaseLock() noexcept { return ManagerMutex::Depth() > 0 || TableMutex::Depth() > 0; }
 
-void LeaveTableLockOver(int count) noexcept { holds.leftOver += count; }
+LeftOverFrame::LeftOverFrame() noexcept {
+    if (holds.frames++ == 0) holds.heldBeforeFrames = holds.TableHoldsInUse();
+}
+
+LeftOverFrame::~LeftOverFrame() {
+    if (--holds.frames == 0) holds.LeaveOver();
+}
 
 }  // namespace oam

@@ -117,10 +117,8 @@ oam_result _oamConfigImport(const char* fileName) noexcept {
 
 oam_result _oamCreateBoard(const char* product, char* nameBuffer, unsigned size) noexcept {
     if (!OamIsRunning()) return OAMERR_SERVER_NOT_RUNNING;
-    // A creation that a plug-in makes inside another one belongs to the outer frame.
-    static thread_local int frames = 0;
-    const int held = oam::TableMutex::Depth();
-    ++frames;
+    // Kept: a failure past the plug-in leaves the table lock taken.
+    const oam::LeftOverFrame frame;
     oam_result result;
     {
         oam::ManagerGuard hold;
@@ -131,9 +129,6 @@ oam_result _oamCreateBoard(const char* product, char* nameBuffer, unsigned size)
     char name[oam::kNameSize];
     copyUnterminated(nameBuffer, size, name);
     (void)AlertNotify(OAMEVN_CREATED, OAM_INFORMATION, name, "%s", "");
-    // Kept: a failure past the plug-in leaves the table lock taken. It is given back as soon as
-    // this thread asks for a lock again, so that it cannot shut the others out for good.
-    if (--frames == 0) oam::LeaveTableLockOver(oam::TableMutex::Depth() - held);
     return result;
 }
 

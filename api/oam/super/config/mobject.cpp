@@ -22,8 +22,13 @@ class QualifierName {
 }  // namespace
 
 KOR_CMObject::KOR_CMObject(const char* name, const char* dataFileName) noexcept {
-    (void)name_.Assign(name);
-    (void)dataFileName_.Assign(dataFileName);
+    isComplete_ = name_.Assign(name) && dataFileName_.Assign(dataFileName);
+}
+
+bool KOR_CMObject::SetDataFileName(const char* name) noexcept {
+    const bool assigned = name != nullptr && dataFileName_.Assign(name);
+    isComplete_ = isComplete_ && assigned;
+    return assigned;
 }
 
 KOR_CMObject::~KOR_CMObject() = default;

@@ -30,12 +30,15 @@ bool CArrayPtrsToOpenMObject::FindByHMObject(unsigned long handle, int* index) c
 
 oam_result CArrayPtrsToOpenMObject::Remove(unsigned long handle) noexcept {
     int index;
-    return FindByHMObject(handle, &index) ? RemoveAt(index) : OAMERR_NOT_FOUND;
+    if (!FindByHMObject(handle, &index)) return OAMERR_NOT_FOUND;
+    // A record that stayed would outlive its object.
+    RemoveSurely(index);
+    return OAM_SUCCESS;
 }
 
 void CArrayPtrsToOpenMObject::RemoveAllOf(const KOR_CMObject* object) noexcept {
     for (int i = Count() - 1; i >= 0; --i) {
-        if (At(i)->object == object) (void)RemoveAt(i);
+        if (At(i)->object == object) RemoveSurely(i);
     }
 }
 

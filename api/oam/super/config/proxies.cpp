@@ -60,7 +60,9 @@ FileProxy::FileProxy(const char* name, const ObjectGlue& glue) noexcept
     const size_t dot = whole.find('.');
     if (dot == std::string_view::npos) return;
     oam::OwnedText dataFile;
-    if (dataFile.Join(whole.substr(0, dot + 1), "xmo")) SetDataFileName(dataFile.Get());
+    // Without memory there is no text to set, which leaves the object incomplete.
+    (void)dataFile.Join(whole.substr(0, dot + 1), "xmo");
+    (void)SetDataFileName(dataFile.Get());
 }
 
 CMOPlugin::CMOPlugin(const char* name) noexcept : FileProxy(name, kPluginGlue) {}

@@ -74,7 +74,7 @@ oam_result CArrayPtrsToMObject::CreateUniqueDataFilename(KOR_CMObject* object) c
 oam_result CArrayPtrsToMObject::Insert(const char* name, const char* dataFile) noexcept {
     return InsertNew(name, [=, this]() -> KOR_CMObject* {
         std::unique_ptr<KOR_CMObject> object(makeObject(name, dataFile));
-        if (object == nullptr || !object->HasTexts()) return nullptr;
+        if (object == nullptr || !object->IsComplete()) return nullptr;
         if (CreateUniqueDataFilename(object.get()) != OAM_SUCCESS) return nullptr;
         return object.release();
     });

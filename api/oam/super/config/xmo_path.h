@@ -9,17 +9,19 @@ class XmoPath {
   public:
     static constexpr size_t kSize = 256;
 
-    explicit XmoPath(std::string_view start = {}) noexcept {
-        memcpy(text_, start.data(), start.size());
-        text_[start.size()] = '\0';
-        length_ = start.size();
+    // Empty, or a path of one backslash.
+    XmoPath() noexcept = default;
+    static XmoPath Root() noexcept {
+        XmoPath path;
+        path.text_[path.length_++] = '\\';
+        return path;
     }
 
     // False, and nothing changed, when the name does not fit.
     bool Append(std::string_view name) noexcept {
         if (length_ + 1 + name.size() >= kSize) return false;
         text_[length_] = '\\';
-        memcpy(text_ + length_ + 1, name.data(), name.size());
+        name.copy(text_ + length_ + 1, name.size());
         length_ += 1 + name.size();
         text_[length_] = '\0';
         return true;
@@ -44,6 +46,6 @@ class XmoPath {
     const char* Text() const noexcept { return text_; }
 
   private:
-    char text_[kSize];
-    size_t length_;
+    char text_[kSize] = "";
+    size_t length_ = 0;
 };

@@ -15,7 +15,7 @@ int CXmlExport::Open(const char* path, const char* rootName) noexcept {
     stream_ = fopen(path, "we");
     if (stream_ == nullptr) return -1;
     depth_ = 0;
-    path_ = XmoPath("\\");
+    path_ = XmoPath::Root();
     if (fputs("<?XML version=\"1.0\"?>\n", stream_) < 0) return -1;
     return BegDir(rootName);
 }
