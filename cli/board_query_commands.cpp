@@ -1,0 +1,186 @@
+// oam board list, info, status, lookup, send: questions about boards.
+#include <CLI/CLI.hpp>
+
+#include "board_facts.h"
+#include "board_lookup.h"
+#include "command.h"
+#include "console.h"
+#include "file_content.h"
+#include "number.h"
+#include "oam/entry.h"
+#include "session.h"
+
+namespace oam {
+namespace {
+
+Cell placeCell(const BoardPlace& place, const char* first) {
+    return Cell(Json{{first, place.first}, {"slot", place.slot}}, place.Text());
+}
+
+Cell shelfCell(const BoardFacts& facts) {
+    return facts.shelfSlot ? placeCell(*facts.shelfSlot, "shelf") : Cell(nullptr);
+}
+
+class ListCommand : public SessionCommand {
+  protected:
+    ExitStatus Work(Session&, Console& console) override {
+        Table table{{{"number", "NUMBER", true},
+                     {"name", "NAME"},
+                     {"product", "PRODUCT"},
+                     {"pci", "BUS:SLOT"},
+                     {"compactPci", "SHELF:SLOT"},
+                     {"serialNumber", "SERIAL"},
+                     {"autoStart", "START"},
+                     {"autoStop", "STOP"}},
+                    {}};
+        for (const std::string& name : BoardNames())
+            if (const auto facts = ReadBoardFacts(name))
+                table.rows.push_back({facts->number, facts->name, facts->product,
+                                      placeCell(facts->busSlot, "bus"), shelfCell(*facts),
+                                      facts->serialNumber, facts->autoStart, facts->autoStop});
+        console.Show("boards", table);
+        return kDone;
+    }
+};
+
+// A command for one board of the table.
+class BoardCommand : public SessionCommand {
+  public:
+    void DeclareArguments(CLI::App& app) override {
+        app.add_option("NAME", name_, "The board")->required();
+    }
+
+  protected:
+    ExitStatus Work(Session&, Console& console) final {
+        WorkOn(RequireBoard(name_), console);
+        return kDone;
+    }
+
+    virtual void WorkOn(const std::string& board, Console& console) = 0;
+
+  private:
+    std::string name_;
+};
+
+class InfoCommand : public BoardCommand {
+  protected:
+    void WorkOn(const std::string& board, Console& console) override {
+        const BoardFacts facts = ReadBoardFacts(board).value();
+        std::string addresses;
+        for (const std::string& address : facts.macAddresses)
+            addresses += (addresses.empty() ? "" : ", ") + address;
+        console.Show(Record{{{"name", "name", facts.name},
+                             {"number", "number", facts.number},
+                             {"product", "product", facts.product},
+                             {"driverName", "driver", facts.driverName},
+                             {"driverBoardId", "board id in driver", facts.driverBoardId},
+                             {"pci", "bus:slot", placeCell(facts.busSlot, "bus")},
+                             {"compactPci", "shelf:slot", shelfCell(facts)},
+                             {"ioAddress", "I/O address",
+                              Cell(facts.ioAddress, HexText(facts.ioAddress))},
+                             {"serialNumber", "serial number", facts.serialNumber},
+                             {"macAddresses", "MAC addresses", Cell(facts.macAddresses, addresses)},
+                             {"autoStart", "automatic start", facts.autoStart},
+                             {"autoStop", "automatic stop", facts.autoStop}}});
+    }
+};
+
+class StatusCommand : public BoardCommand {
+  public:
+    void DeclareArguments(CLI::App& app) override {
+        BoardCommand::DeclareArguments(app);
+        AddNumber(app, "--selector", &selector_, {}, "Which status, a number that the plug-in explains");
+    }
+
+  protected:
+    void WorkOn(const std::string& board, Console& console) override {
+        int status = 0;
+        const unsigned code = _oamBoardGetStatus(board.c_str(), selector_, &status);
+        if (code)
+            throw Failure(code, "no status of " + Quoted(board),
+                          code == OAMERR_NOT_SUPPORTED_WARNING
+                              ? "the board's plug-in does not tell a status"
+                              : "");
+        if (console.IsJson())
+            console.ShowJson({{"board", board}, {"selector", selector_}, {"status", status}});
+        else console.Say(std::to_string(status));
+    }
+
+  private:
+    unsigned selector_ = 0;
+};
+
+class SendCommand : public BoardCommand {
+  public:
+    void DeclareArguments(CLI::App& app) override {
+        BoardCommand::DeclareArguments(app);
+        text_ = app.add_option("TEXT", buffer_, "What to send");
+        file_ = app.add_option("--file", path_, "Send this file's content")->type_name("FILE");
+    }
+
+    void CheckArguments() override {
+        if (text_->count() + file_->count() != 1) throw UsageError("give a TEXT or --file FILE");
+        if (!file_->count()) return;
+        FileContent file = LoadFile(path_);
+        if (!file.error.empty()) throw Failure("cannot read " + Quoted(path_) + ": " + file.error);
+        buffer_ = std::move(file.content);
+    }
+
+  protected:
+    void WorkOn(const std::string& board, Console& console) override {
+        const unsigned code = _oamSendBuffer(board.c_str(), buffer_.data(),
+                                             static_cast<unsigned>(buffer_.size()));
+        if (code) throw Failure(code, "cannot send to " + Quoted(board));
+        if (console.IsJson()) console.ShowJson({{"board", board}, {"sent", buffer_.size()}});
+        else console.Say("sent " + std::to_string(buffer_.size()) + " bytes to " + Quoted(board));
+    }
+
+  private:
+    CLI::Option* text_ = nullptr;
+    CLI::Option* file_ = nullptr;
+    std::string buffer_;
+    std::string path_;
+};
+
+class LookupCommand : public SessionCommand {
+  public:
+    void DeclareArguments(CLI::App& app) override { lookup_.Declare(app); }
+    void CheckArguments() override { lookup_.Check(); }
+
+  protected:
+    ExitStatus Work(Session&, Console& console) override {
+        const Answer name = lookup_.Ask();
+        if (!name.IsGiven())
+            throw Failure(name.code, "no such board", "`oam board list` lists the boards");
+        if (console.IsJson()) console.ShowJson({{"name", name.text}});
+        else console.Value(name.text);
+        return kDone;
+    }
+
+  private:
+    BoardLookup lookup_;
+};
+
+constexpr CommandRow kRows[] = {
+    {"board", "list", "List the configured boards", "oam board list\noam board list --json",
+     Make<ListCommand>},
+    {"board", "info", "All that the board table tells of a board", "oam board info \"Sim E1 left\"",
+     Make<InfoCommand>},
+    {"board", "status", "A board's status, as its plug-in tells it",
+     "oam board status \"Sim E1 left\"\noam board status \"Sim E1 left\" --selector 1",
+     Make<StatusCommand>},
+    {"board", "lookup", "Find a board's name by one of its identities",
+     "oam board lookup --number 0\n"
+     "oam board lookup --bus-slot 1 2\n"
+     "oam board lookup --product SIM-E1",
+     Make<LookupCommand>},
+    {"board", "send", "Send bytes to a board's plug-in",
+     "oam board send \"Sim E1 left\" \"temperature 400\"\noam board send \"Sim E1 left\" --file command.txt",
+     Make<SendCommand>},
+};
+
+}  // namespace
+
+std::span<const CommandRow> BoardQueryCommands() { return kRows; }
+
+}  // namespace oam

@@ -1,0 +1,70 @@
+// One command of the tool: a row that says what it is, and an object that holds its arguments while
+// the command line is read and then does it.
+#pragma once
+
+#include <memory>
+#include <span>
+#include <string>
+
+#include "failure.h"
+
+namespace CLI {
+class App;
+}
+
+namespace oam {
+
+class Console;
+class Installation;
+class Session;
+
+struct Context {
+    const Installation& place;
+    Console& console;
+    std::string title;  // the command line, for the lock's other users
+};
+
+class Command {
+  public:
+    virtual ~Command() = default;
+    virtual void DeclareArguments(CLI::App& app);
+    // After the command line was read and before anything is done: a UsageError for arguments that
+    // do not go together.
+    virtual void CheckArguments();
+    virtual ExitStatus Run(Context& context) = 0;
+};
+
+// A command that works with the service running.
+class SessionCommand : public Command {
+  public:
+    ExitStatus Run(Context& context) final;
+
+  protected:
+    virtual ExitStatus Work(Session& session, Console& console) = 0;
+};
+
+struct CommandRow {
+    const char* family;  // the word before the name, or null
+    const char* name;
+    const char* summary;
+    const char* examples;  // command lines, one a line
+    std::unique_ptr<Command> (*make)();
+};
+
+template <class T>
+std::unique_ptr<Command> Make() {
+    return std::make_unique<T>();
+}
+
+// The families, each in the file of its name.
+std::span<const CommandRow> InitCommands();
+std::span<const CommandRow> ObjectCommands();
+std::span<const CommandRow> ChangeCommands();
+std::span<const CommandRow> BoardCommands();
+std::span<const CommandRow> BoardQueryCommands();
+std::span<const CommandRow> BoardOperationCommands();
+std::span<const CommandRow> ConfigCommands();
+std::span<const CommandRow> MonitorCommands();
+std::span<const CommandRow> InfoCommands();
+
+}  // namespace oam

@@ -1,0 +1,104 @@
+#include "command_line.h"
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <sstream>
+
+#include "console.h"
+#include "installation.h"
+
+namespace oam {
+namespace {
+
+constexpr const char* kSummary =
+    "Works on an installation of the OA&M service directly: the service runs in this process for\n"
+    "as long as the command takes, so nothing else may use the installation meanwhile.";
+
+struct FamilyRow {
+    const char* name;
+    const char* summary;
+    const char* examples;
+};
+
+constexpr FamilyRow kFamilies[] = {
+    {"board", "Boards: find, create, start and so on", "oam board list\noam board start --all"},
+    {"plugin", "Board plug-ins and components", "oam plugin list"},
+};
+
+std::string exampleText(const char* examples) {
+    std::istringstream lines(examples);
+    std::string text = "\nExamples:";
+    for (std::string line; std::getline(lines, line);) text += "\n  " + line;
+    return text;
+}
+
+std::string titleOf(int argc, char** argv) {
+    std::string title = "oam";
+    for (int i = 1; i < argc; ++i) title += std::string(" ") + argv[i];
+    return title;
+}
+
+}  // namespace
+
+CommandLine::CommandLine() : app_(std::make_unique<CLI::App>(kSummary, "oam")) {
+    app_->fallthrough();
+    app_->require_subcommand(1);
+    app_->add_option("--dir", directory_, "The installation (default: KOR_DIR, else the built-in)")
+        ->type_name("DIR");
+    app_->add_flag("--json", json_, "Answer in JSON: one object, or one a line for streams");
+    app_->footer("\nExit status: 0 done, 1 refused or failed, 2 wrong use." +
+                 exampleText("oam --dir /opt/oam objects\noam board list --json"));
+    for (const FamilyRow& row : kFamilies) {
+        CLI::App* family = app_->add_subcommand(row.name, row.summary);
+        family->require_subcommand(1);
+        family->footer(exampleText(row.examples));
+    }
+    for (const auto family : {InitCommands, ObjectCommands, ChangeCommands, BoardCommands,
+                              BoardQueryCommands, BoardOperationCommands, ConfigCommands,
+                              MonitorCommands, InfoCommands})
+        for (const CommandRow& row : family()) Add(row);
+}
+
+CommandLine::~CommandLine() = default;
+
+void CommandLine::Add(const CommandRow& row) {
+    CLI::App* parent = row.family ? app_->get_subcommand(row.family) : app_.get();
+    CLI::App* app = parent->add_subcommand(row.name, row.summary);
+    app->footer(exampleText(row.examples));
+    choices_.push_back({app, row.make()});
+    choices_.back().command->DeclareArguments(*app);
+}
+
+ExitStatus CommandLine::Execute(int argc, char** argv) {
+    try {
+        app_->parse(argc, argv);
+    } catch (const CLI::ParseError& error) {
+        return app_->exit(error) == 0 ? kDone : kUsage;
+    }
+    Console console(json_);
+    try {
+        return RunChosen(titleOf(argc, argv));
+    } catch (const UsageError& error) {
+        console.Note(error.what());
+        return kUsage;
+    } catch (const Failure& failure) {
+        console.Complain(failure);
+    } catch (const std::exception& error) {
+        console.Note(error.what());
+    }
+    return kFailed;
+}
+
+ExitStatus CommandLine::RunChosen(const std::string& title) {
+    const auto chosen = std::find_if(choices_.begin(), choices_.end(),
+                                     [](const Choice& choice) { return choice.app->parsed(); });
+    const Installation place = Installation::Locate(directory_);
+    Console console(json_);
+    Context context{place, console, title};
+    chosen->command->CheckArguments();
+    const ExitStatus status = chosen->command->Run(context);
+    console.Flush();
+    return status;
+}
+
+}  // namespace oam

@@ -1,0 +1,36 @@
+// The command line: which command, on which installation, in which form of output.
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "command.h"
+
+namespace oam {
+
+class CommandLine {
+  public:
+    CommandLine();
+    ~CommandLine();
+
+    // Reads it, does the command, tells what went wrong; the status is the process's.
+    ExitStatus Execute(int argc, char** argv);
+
+  private:
+    struct Choice {
+        CLI::App* app;
+        std::unique_ptr<Command> command;
+    };
+
+    void Add(const CommandRow& row);
+    ExitStatus RunChosen(const std::string& title);
+
+    std::unique_ptr<CLI::App> app_;
+    std::vector<Choice> choices_;
+    std::optional<std::string> directory_;
+    bool json_ = false;
+};
+
+}  // namespace oam

@@ -1,0 +1,70 @@
+#include "console.h"
+
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+
+#include "failure.h"
+#include "foreign_text.h"
+
+namespace oam {
+namespace {
+
+Json withSchema(const Json& members) {
+    Json object{{"schema", 1}};
+    object.update(members);
+    return object;
+}
+
+}  // namespace
+
+void Console::Show(const char* key, const Table& table) {
+    if (json_) return ShowJson(Json{{key, AsJson(table)}});
+    Write(AsText(table));
+}
+
+void Console::Show(const Record& record) {
+    if (json_) return ShowJson(AsJson(record));
+    Write(AsText(record));
+}
+
+void Console::ShowJson(const Json& members) { Write(JsonText(withSchema(members)) + '\n'); }
+
+void Console::StreamJson(const Json& members) { Stream(JsonLine(withSchema(members))); }
+
+void Console::Stream(const std::string& line) {
+    Write(line + '\n');
+    Flush();
+}
+
+void Console::Say(const std::string& line) {
+    if (!json_) Write(line + '\n');
+}
+
+void Console::Value(const std::string& value) {
+    Write((isatty(STDOUT_FILENO) ? Shown(value) : value) + '\n');
+}
+
+void Console::Note(const std::string& text) {
+    (void)std::fflush(stdout);
+    std::fprintf(stderr, "oam: %s\n", text.c_str());
+}
+
+void Console::Complain(const Failure& failure) {
+    Note(failure.what());
+    if (!failure.Advice().empty()) std::fprintf(stderr, "     %s\n", failure.Advice().c_str());
+}
+
+void Console::Flush() {
+    if (std::fflush(stdout) != 0)
+        throw Failure(std::string("cannot write the output: ") + std::strerror(errno));
+}
+
+void Console::Write(const std::string& text) {
+    if (std::fwrite(text.data(), 1, text.size(), stdout) != text.size())
+        throw Failure(std::string("cannot write the output: ") + std::strerror(errno));
+}
+
+}  // namespace oam

@@ -1,0 +1,51 @@
+// Where the answers go: standard output for results, as text or (with --json) as JSON, and standard
+// error for everything else.
+//
+// In JSON a command prints one object, a stream one object a line; each begins with "schema": 1.
+// Output that cannot be written is a Failure: a script must not take half an answer for a whole one.
+#pragma once
+
+#include <string>
+
+#include "table.h"
+
+namespace oam {
+
+class Failure;
+
+class Console {
+  public:
+    explicit Console(bool json) : json_(json) {}
+
+    bool IsJson() const { return json_; }
+
+    // One answer: `table` alone in JSON stands under `key`.
+    void Show(const char* key, const Table& table);
+    void Show(const Record& record);
+    // One object of a command that prints JSON by itself.
+    void ShowJson(const Json& members);
+
+    // A line of a stream, out at once.
+    void StreamJson(const Json& members);
+    void Stream(const std::string& line);
+
+    // Text for people; nothing with --json.
+    void Say(const std::string& line);
+
+    // Our own value, as it stands when it goes into a pipe or a file.
+    void Value(const std::string& value);
+
+    // A remark on standard error, with the tool's name in front.
+    void Note(const std::string& text);
+    void Complain(const Failure& failure);
+
+    // Everything out, before the library's exit, which may take long.
+    void Flush();
+
+  private:
+    void Write(const std::string& text);
+
+    bool json_;
+};
+
+}  // namespace oam

@@ -1,0 +1,136 @@
+// Every example of the help texts and of the manual is a command that works.
+//
+// Each is run by a shell in an installation of its own, with the simulated chassis. Directories and
+// the group in the examples stand for the test's own.
+#include <grp.h>
+#include <unistd.h>
+
+#include <fstream>
+#include <sstream>
+
+#include "tool_test.h"
+
+namespace oam::test {
+namespace {
+
+using ::testing::HasSubstr;
+
+std::vector<std::string> linesOf(const std::string& text) {
+    std::vector<std::string> lines;
+    std::istringstream stream(text);
+    for (std::string line; std::getline(stream, line);) lines.push_back(line);
+    return lines;
+}
+
+// Lines that are a command of the tool, without what stands before it.
+std::vector<std::string> examplesIn(const std::string& text, const std::string& before) {
+    std::vector<std::string> examples;
+    for (const std::string& line : linesOf(text))
+        if (line.starts_with(before + "oam ")) examples.push_back(line.substr(before.size()));
+    return examples;
+}
+
+std::string readManual() {
+    std::ifstream file(OAM_MANUAL);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+void replace(std::string* text, const std::string& from, const std::string& to) {
+    const size_t at = text->find(from);
+    if (at != std::string::npos) text->replace(at, from.size(), to);
+}
+
+class ToolExamples : public ToolTest {
+  protected:
+    // The commands below this one, as its help lists them.
+    std::vector<Words> Commands(const Words& words = {}) const {
+        Words help = words;
+        help.push_back("--help");
+        std::vector<Words> commands;
+        bool inList = false;
+        for (const std::string& line : linesOf(Out(help))) {
+            if (line.empty()) inList = false;
+            if (inList && line.size() > 2 && line[2] != ' ') {
+                Words command = words;
+                command.push_back(line.substr(2, line.find(' ', 2) - 2));
+                commands.push_back(command);
+            }
+            if (line == "Subcommands:") inList = true;
+        }
+        return commands;
+    }
+
+    std::vector<Words> AllCommands() const {
+        std::vector<Words> all;
+        for (const Words& command : Commands()) {
+            all.push_back(command);
+            const auto below = Commands(command);
+            all.insert(all.end(), below.begin(), below.end());
+        }
+        return all;
+    }
+
+    static void RunInAnInstallation(const std::string& example) {
+        Installation place;
+        std::filesystem::copy_file(OAM_SIM_PLUGIN, place.Path("lib/sim.bpi"));
+        place.Write("command.txt", "temperature 400\n");
+        const bool isAddition = example.find("board add") != std::string::npos;
+        if (!isAddition)
+            RunShell(place, "oam board add --all && oam board create SIM-E1 && oam export saved.oam");
+        std::string command = example;
+        replace(&command, "/opt/oam", place.Root());
+        replace(&command, "/srv/oam", place.Path("srv"));
+        replace(&command, "--group oam", std::string("--group ") + getgrgid(getgid())->gr_name);
+        RunShell(place, command);
+    }
+
+    static void RunShell(const Installation& place, const std::string& command) {
+        const std::string directory = std::filesystem::path(OAM_TOOL).parent_path();
+        const Finished run =
+            ChildProcess({"/bin/sh", "-c", "PATH='" + directory + "':$PATH; " + command},
+                         place.Root())
+                .Finish();
+        EXPECT_EQ(run.status, 0) << command << '\n' << run.out << run.err;
+    }
+};
+
+}  // namespace
+
+TEST_F(ToolExamples, EveryCommandHasSomeInItsHelp) {
+    const auto commands = AllCommands();
+    EXPECT_GT(commands.size(), 25u);
+    for (Words command : commands) {
+        command.push_back("--help");
+        EXPECT_FALSE(examplesIn(Out(command), "  ").empty()) << ::testing::PrintToString(command);
+    }
+}
+
+TEST_F(ToolExamples, OfTheHelpTextsWork) {
+    std::vector<std::string> examples = examplesIn(Out({"--help"}), "  ");
+    for (Words command : AllCommands()) {
+        command.push_back("--help");
+        for (const std::string& example : examplesIn(Out(command), "  "))
+            if (std::find(examples.begin(), examples.end(), example) == examples.end())
+                examples.push_back(example);
+    }
+    EXPECT_GT(examples.size(), 35u);
+    for (const std::string& example : examples) RunInAnInstallation(example);
+}
+
+TEST_F(ToolExamples, OfTheManualWork) {
+    const auto examples = examplesIn(readManual(), "    ");
+    EXPECT_GT(examples.size(), 20u);
+    for (const std::string& example : examples) RunInAnInstallation(example);
+}
+
+TEST_F(ToolExamples, TheManualTellsOfEveryCommand) {
+    const std::string manual = readManual();
+    for (const Words& command : AllCommands()) {
+        if (!Commands(command).empty()) continue;
+        std::string heading = "### oam";
+        for (const std::string& word : command) heading += ' ' + word;
+        EXPECT_THAT(manual, HasSubstr('\n' + heading)) << "in " OAM_MANUAL;
+    }
+}
+
+}  // namespace oam::test
