@@ -1,0 +1,28 @@
+# oam_room_test(NAME ROOMS rooms... DOORS doors... SUPPORT supports... FILES files...): a program
+# with the objects of one room (and of those that it is made of), stand-ins for the rooms that it
+# calls, and helpers of tests/support.
+include_guard(GLOBAL)
+
+function(oam_room_test name)
+    cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "ROOMS;DOORS;SUPPORT;FILES")
+    set(tests ${CMAKE_CURRENT_FUNCTION_LIST_DIR}/..)
+    set(sources ${arg_FILES} ${tests}/support/installation.cpp)
+    foreach(door IN LISTS arg_DOORS)
+        list(APPEND sources ${tests}/doors/${door}.cpp)
+    endforeach()
+    foreach(support IN LISTS arg_SUPPORT)
+        list(APPEND sources ${tests}/support/${support}.cpp)
+    endforeach()
+    oam_test(${name} ${sources})
+    list(TRANSFORM arg_ROOMS PREPEND oam_)
+    target_link_libraries(${name} PRIVATE ${arg_ROOMS} recorder_host)
+    target_include_directories(${name} PRIVATE ${tests} ${PROJECT_SOURCE_DIR}/api/oam/super)
+    if(allocation_fuse IN_LIST arg_SUPPORT)
+        target_link_options(${name} PRIVATE LINKER:--wrap=calloc)
+    endif()
+    if(system_door IN_LIST arg_DOORS)
+        foreach(function open close rename remove fsync link mkdir access pthread_create)
+            target_link_options(${name} PRIVATE LINKER:--wrap=${function})
+        endforeach()
+    endif()
+endfunction()

@@ -1,0 +1,184 @@
+// The lane to one kind of receiver: one alert at a time, in order, and never a wait under a
+// database lock.
+#include "alert/lane.h"
+
+#include <functional>
+#include <thread>
+
+#include "alert_room.h"
+#include "base/database_lock.h"
+#include "plugins/recorder/host.h"
+#include "support/allocation_fuse.h"
+
+namespace oam::test {
+namespace {
+
+using ::testing::ElementsAre;
+
+// The lane calls a plain function, so what it does lies beside it.
+std::function<oam_result(const oam_msg_tag*)> s_receive;
+oam_result receive(const oam_msg_tag* message) noexcept { return s_receive(message); }
+
+class Lane : public ::testing::Test {
+  protected:
+    Lane() {
+        s_receive = [this](const oam_msg_tag* message) {
+            Note(std::string("in ") + oamMessageText(message));
+            if (strcmp(oamMessageText(message), "long") == 0) latch.Wait();
+            Note(std::string("out ") + oamMessageText(message));
+            return oam_result(message->severity);
+        };
+    }
+    ~Lane() override { s_receive = nullptr; }
+
+    static Message Saying(const std::string& text, unsigned result = 0) {
+        return {OAMEVN_ALERT, result, "S", text};
+    }
+    // Puts a thread into the receiver, where it stays until Release.
+    void Occupy(unsigned result = 0) {
+        inside_ = std::thread([this, result] {
+            insideResult = lane.Deliver(Saying("long", result).Get());
+        });
+        ASSERT_TRUE(latch.WaitForArrival());
+    }
+    void Release() {
+        latch.Open();
+        inside_.join();
+    }
+    void Note(const std::string& line) {
+        const std::lock_guard hold(mutex_);
+        notes_.push_back(line);
+        threads_.push_back(std::this_thread::get_id());
+    }
+    std::vector<std::string> Notes() {
+        const std::lock_guard hold(mutex_);
+        return notes_;
+    }
+    std::vector<std::thread::id> Threads() {
+        const std::lock_guard hold(mutex_);
+        return threads_;
+    }
+
+    ReceiverLane lane{&receive};
+    Latch latch;
+    oam_result insideResult = OAMERR_BASE;
+
+  private:
+    std::thread inside_;
+    std::mutex mutex_;
+    std::vector<std::string> notes_;
+    std::vector<std::thread::id> threads_;
+};
+
+TEST_F(Lane, AnswersWhatTheReceiverAnswers) {
+    EXPECT_EQ(lane.Deliver(Saying("a", 5).Get()), oam_result(5));
+    EXPECT_EQ(lane.Deliver(Saying("b").Get()), OAM_SUCCESS);
+    EXPECT_THAT(Notes(), ElementsAre("in a", "out a", "in b", "out b"));
+}
+
+TEST_F(Lane, LetsOneAlertInAtATime) {
+    Occupy();
+    std::vector<std::thread> others;
+    for (int i = 0; i < 4; ++i) {
+        others.emplace_back([this] { EXPECT_EQ(lane.Deliver(Saying("x").Get()), OAM_SUCCESS); });
+    }
+    EXPECT_THAT(Notes(), ElementsAre("in long"));
+    Release();
+    for (std::thread& other : others) other.join();
+    const std::vector<std::string> notes = Notes();
+    ASSERT_EQ(notes.size(), 10u);
+    for (size_t i = 0; i < notes.size(); i += 2) {
+        EXPECT_EQ(notes[i].substr(3), notes[i + 1].substr(4)) << "no other in between";
+    }
+}
+
+TEST_F(Lane, LetsAReceiverComeInAgain) {
+    const auto plain = s_receive;
+    s_receive = [&](const oam_msg_tag* message) {
+        if (strcmp(oamMessageText(message), "outer") != 0) return plain(message);
+        return lane.Deliver(Saying("inner", 3).Get());
+    };
+    EXPECT_EQ(lane.Deliver(Saying("outer").Get()), oam_result(3));
+    EXPECT_THAT(Notes(), ElementsAre("in inner", "out inner"));
+    s_receive = plain;
+}
+
+TEST_F(Lane, ThreadUnderADatabaseLockLeavesACopyAndGoesOn) {
+    Occupy(7);
+    {
+        const TableGuard hold;
+        Message message = Saying("copied", 9);
+        EXPECT_EQ(lane.Deliver(message.Get()), OAM_SUCCESS) << "not the receiver's result";
+        EXPECT_THAT(Notes(), ElementsAre("in long"));
+        strcpy(message.Text(), "xxxxxx");
+    }
+    Release();
+    EXPECT_EQ(insideResult, oam_result(7)) << "of its own alert, not of the copy";
+    EXPECT_THAT(Notes(), ElementsAre("in long", "out long", "in copied", "out copied"));
+    EXPECT_EQ(Threads()[2], Threads()[0]) << "the one inside delivers it";
+}
+
+TEST_F(Lane, ManagerLockCountsLikeTheTableLock) {
+    Occupy();
+    {
+        const ManagerGuard hold;
+        EXPECT_EQ(lane.Deliver(Saying("copied").Get()), OAM_SUCCESS);
+    }
+    Release();
+    EXPECT_THAT(Notes(), ElementsAre("in long", "out long", "in copied", "out copied"));
+}
+
+TEST_F(Lane, DeliversCopiesInTheOrderInWhichTheyWereLeft) {
+    Occupy();
+    {
+        const ManagerGuard hold;
+        for (const char* text : {"1", "2", "3"}) {
+            EXPECT_EQ(lane.Deliver(Saying(text).Get()), OAM_SUCCESS);
+        }
+    }
+    Release();
+    EXPECT_THAT(Notes(), ElementsAre("in long", "out long", "in 1", "out 1", "in 2", "out 2",
+                                     "in 3", "out 3"));
+    EXPECT_EQ(lane.Deliver(Saying("4").Get()), OAM_SUCCESS);
+    EXPECT_EQ(Notes().back(), "out 4");
+}
+
+TEST_F(Lane, DeliversACopyThatIsLeftWhileAnotherIsDelivered) {
+    const auto plain = s_receive;
+    s_receive = [&](const oam_msg_tag* message) {
+        if (strcmp(oamMessageText(message), "1") == 0) {
+            std::thread([&] {
+                const TableGuard hold;
+                EXPECT_EQ(lane.Deliver(Saying("2").Get()), OAM_SUCCESS);
+            }).join();
+        }
+        return plain(message);
+    };
+    EXPECT_EQ(lane.Deliver(Saying("1").Get()), OAM_SUCCESS);
+    EXPECT_THAT(Notes(), ElementsAre("in 1", "out 1", "in 2", "out 2"));
+    s_receive = plain;
+}
+
+TEST_F(Lane, FreeLaneIsEnteredUnderALockToo) {
+    const TableGuard hold;
+    EXPECT_EQ(lane.Deliver(Saying("a", 4).Get()), oam_result(4));
+    EXPECT_EQ(Threads().front(), std::this_thread::get_id());
+}
+
+TEST_F(Lane, CopyThatFindsNoMemoryIsAFailureAndLost) {
+    Occupy();
+    {
+        const TableGuard hold;
+        EXPECT_EQ(FailEachAllocation([&] { return lane.Deliver(Saying("copied").Get()); },
+                                     [&](oam_result result) {
+                                         EXPECT_EQ(result, OAMERR_NOT_ENOUGH_MEMORY);
+                                     }),
+                  OAM_SUCCESS);
+    }
+    Release();
+    EXPECT_THAT(Notes(), ElementsAre("in long", "out long", "in copied", "out copied"))
+        << "the last attempt alone";
+}
+
+}  // namespace
+}  // namespace oam::test
