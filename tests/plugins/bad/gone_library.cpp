@@ -1,0 +1,2 @@
+extern "C" unsigned int functionOfGoneLibrary();
+extern "C" unsigned int functionOfGoneLibrary() { return 0; }
