@@ -37,7 +37,7 @@ endforeach()
 
 # Plug-ins and components have what a board maker has.
 file(GLOB_RECURSE modules ${ROOT}/plugins/*.cpp ${ROOT}/plugins/*.h ${ROOT}/components/*.cpp
-    ${ROOT}/components/*.h ${ROOT}/sdk/*.cpp ${ROOT}/sdk/*.h ${ROOT}/sdk/*.c)
+    ${ROOT}/components/*.h ${ROOT}/sdk/template/* ${ROOT}/sdk/template-component/*)
 foreach(file IN LISTS modules)
     math(EXPR checked "${checked} + 1")
     file(STRINGS ${file} includes REGEX "^#include \"(base|objects|doors|loading|zol|korcore)/")
