@@ -11,8 +11,8 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
-const Board kOne = {.name = "one", .number = 1, .driverName = "d", .driverBoardId = "1"};
-const Board kTwo = {.name = "two", .number = 2};
+const Board kOne = {"one", 1, "d", "1", false};
+const Board kTwo = {"two", 2, "", "", false};
 
 Board with(Board board, const std::string& name, unsigned number) {
     board.name = name;

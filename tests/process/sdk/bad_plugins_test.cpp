@@ -27,9 +27,10 @@ TEST_P(FaultyPlugin, IsFoundByTheRuleThatItBreaksAndByNoOther) {
     EXPECT_EQ(judgement.status, 1);
     EXPECT_EQ(judgement.report["passed"], false);
     EXPECT_EQ(judgement.Broken(), std::set<std::string>{fault.rule}) << judgement.report.dump(2);
-    if (fault.entry != nullptr)
+    if (fault.entry != nullptr) {
         EXPECT_THAT(judgement.Seen(fault.rule, fault.entry), HasSubstr(fault.seen))
             << judgement.report.dump(2);
+    }
 }
 
 constexpr Fault kFaults[] = {
