@@ -134,10 +134,10 @@ TEST_F(AllBoards, AreTestedWithTheValueEach) {
     StartQuietly();
     ASSERT_EQ(_oamTestBoard(nullptr, 0xAB), OAM_SUCCESS);
     ASSERT_TRUE(alerts.WaitForCode(kTest.done, 3));
-    EXPECT_THAT(
-        recorder.Lines({"TestBoard"}),
-        UnorderedElementsAre("rec.bpi TestBoard(Alpha, 171)", "rec.bpi TestBoard(Bravo, 171)",
-                             "rec.bpi TestBoard(charlie, 171)"));
+    EXPECT_THAT(recorder.Lines({"TestBoard"}),
+                UnorderedElementsAre("rec.bpi TestBoard(Alpha, 171)",
+                                     "rec.bpi TestBoard(Bravo, 171)",
+                                     "rec.bpi TestBoard(charlie, 171)"));
 }
 
 TEST_F(AllBoards, KeptWordingOfATestThatGetsNoThread) {
@@ -241,18 +241,6 @@ TEST_P(Synchronized, GoesOnAfterABoardThatIsBusy) {
     EXPECT_EQ(alerts.Heard(Row().done).at(1).source, "Bravo");
     EXPECT_EQ(alerts.Heard(Row().done).at(1).severity, 2u);
     LetGo(kTest, "Bravo", latch);
-}
-
-TEST_P(Synchronized, FollowsATableThatItsPluginChanges) {
-    StartQuietly();
-    On(Row(), [](const std::string& board) -> unsigned {
-        if (board != "Alpha") return 0;
-        EXPECT_EQ(CreateBoard(kProduct), "Card 0");
-        return _oamDeleteBoard("charlie");
-    });
-    EXPECT_EQ(Row().request(nullptr, OAM_SYNCHRONIZED), OAM_SUCCESS);
-    EXPECT_THAT(Reached(Row()), ElementsAre("Alpha", "Bravo", "Card 0"));
-    EXPECT_EQ(alerts.Heard(Row().done).size(), 3u);
 }
 
 TEST_P(Synchronized, HoldsTheTableForAllBoards) {

@@ -54,8 +54,8 @@ TEST_F(AutomaticStart, LeavesUnmarkedBoardsAlone) {
     Settings({{"AutoStartEnabled", "Yes"}});
     StartNow();
     LetTheTimePass();
-    EXPECT_THAT(Started(),
-                UnorderedElementsAre("rec.bpi StartBoard(One)", "rec.bpi StartBoard(Two)"));
+    EXPECT_THAT(Started(), UnorderedElementsAre("rec.bpi StartBoard(One)",
+                                                "rec.bpi StartBoard(Two)"));
     EXPECT_THAT(Outcomes(kStart, "Unmarked"), IsEmpty());
 }
 
@@ -98,8 +98,8 @@ TEST_F(AutomaticStart, GoesByTheSettingsOfItsMoment) {
     EXPECT_EQ(Change("Two", "AutoStart", "No"), OAM_SUCCESS);
     EXPECT_EQ(Change("Unmarked", "AutoStart", "Yes"), OAM_SUCCESS);
     LetTheTimePass();
-    EXPECT_THAT(Started(),
-                UnorderedElementsAre("rec.bpi StartBoard(One)", "rec.bpi StartBoard(Unmarked)"));
+    EXPECT_THAT(Started(), UnorderedElementsAre("rec.bpi StartBoard(One)",
+                                                "rec.bpi StartBoard(Unmarked)"));
 }
 
 TEST_F(AutomaticStart, DoesNotComeAfterTheServicesEnd) {
@@ -119,8 +119,8 @@ TEST_F(AutomaticStart, ComesOnceAfterARestartAndFromTheNewStart) {
     ASSERT_TRUE(recorder.WaitForCall("StartBoard"));
     EXPECT_GE(Clock::now() - started_, kDelay);
     LetTheTimePass();
-    EXPECT_THAT(Started(),
-                UnorderedElementsAre("rec.bpi StartBoard(One)", "rec.bpi StartBoard(Two)"));
+    EXPECT_THAT(Started(), UnorderedElementsAre("rec.bpi StartBoard(One)",
+                                                "rec.bpi StartBoard(Two)"));
 }
 
 TEST_F(AutomaticStart, ComesOnceAfterSeveralRestarts) {
@@ -129,8 +129,8 @@ TEST_F(AutomaticStart, ComesOnceAfterSeveralRestarts) {
     for (int i = 0; i < 5; ++i) EXPECT_EQ(_oamRestart(), OAM_SUCCESS);
     started_ = Clock::now();
     LetTheTimePass();
-    EXPECT_THAT(Started(),
-                UnorderedElementsAre("rec.bpi StartBoard(One)", "rec.bpi StartBoard(Two)"));
+    EXPECT_THAT(Started(), UnorderedElementsAre("rec.bpi StartBoard(One)",
+                                                "rec.bpi StartBoard(Two)"));
 }
 
 TEST_F(AutomaticStart, ComesAgainAfterEveryStart) {

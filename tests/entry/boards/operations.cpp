@@ -53,8 +53,8 @@ void OperationTest::LetGo(const Operation& operation, const std::string& board, 
     latch.Open();
     EXPECT_TRUE(alerts.WaitFor([&](const std::vector<Alert>& all) {
         return std::any_of(all.begin(), all.end(), [&](const Alert& alert) {
-            return alert.client == kServer && alert.code == operation.done && alert.severity == 0 &&
-                   alert.source == board;
+            return alert.client == kServer && alert.code == operation.done &&
+                   alert.severity == 0 && alert.source == board;
         });
     })) << operation.name;
 }

@@ -11,10 +11,10 @@
 namespace oam::test {
 
 struct Operation {
-    const char* name;   // "Start"
-    const char* entry;  // the plug-in's entry
+    const char* name;                                  // "Start"
+    const char* entry;                                 // the plug-in's entry
     oam_result (*request)(const char* board, unsigned argument);
-    unsigned done;  // event code of the outcome
+    unsigned done;                                     // event code of the outcome
     const char* succeeded;
     const char* failed;
     const char* noThread;

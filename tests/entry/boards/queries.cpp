@@ -43,8 +43,9 @@ std::vector<std::string> BoardNames() {
 }
 
 Answer ByNumber(unsigned number) {
-    return TextFrom(
-        [=](char* buffer, unsigned size) { return _oamBoardLookupByNumber(number, buffer, size); });
+    return TextFrom([=](char* buffer, unsigned size) {
+        return _oamBoardLookupByNumber(number, buffer, size);
+    });
 }
 
 Answer ByDriverIDs(const std::string& driver, const std::string& id) {
@@ -138,8 +139,8 @@ Answer MACAddressOf(const std::string& board, unsigned index) {
 Answer DriverIDsOf(const std::string& board) {
     std::array<char, 512> driver{};
     std::array<char, 512> id{};
-    const unsigned code =
-        _oamBoardGetDriverIDs(board.c_str(), driver.data(), driver.size(), id.data(), id.size());
+    const unsigned code = _oamBoardGetDriverIDs(board.c_str(), driver.data(), driver.size(),
+                                                id.data(), id.size());
     if (code != OAM_SUCCESS) return Fails(code);
     return Is(std::string(driver.data()) + "|" + id.data());
 }
@@ -150,9 +151,9 @@ oam_result SetMACAddresses(const std::string& board, const std::vector<std::stri
         EXPECT_LT(texts[i].size(), slots[i].size());
         texts[i].copy(slots[i].data(), slots[i].size() - 1);
     }
-    return _oamBoardSetMACAddress(board.c_str(),
-                                  reinterpret_cast<const char(*)[OAM_MAC_TEXT_SIZE]>(slots.data()),
-                                  static_cast<unsigned>(slots.size()));
+    return _oamBoardSetMACAddress(
+        board.c_str(), reinterpret_cast<const char(*)[OAM_MAC_TEXT_SIZE]>(slots.data()),
+        static_cast<unsigned>(slots.size()));
 }
 
 }  // namespace oam::test

@@ -139,9 +139,9 @@ TEST_F(Queries, CopyTheDriverNameFirst) {
 
 TEST_F(Queries, AnswerAnEmptyMACAddressFromTheCountOn) {
     Configure("None");
-    Configure(
-        "Two",
-        {{"NetworkInterface.Ethernet.Count", "2"}, {macKeyword(0), "m0"}, {macKeyword(1), "m1"}});
+    Configure("Two", {{"NetworkInterface.Ethernet.Count", "2"},
+                      {macKeyword(0), "m0"},
+                      {macKeyword(1), "m1"}});
     Start();
     EXPECT_THAT(MacAddresses("None"), ElementsAre("", "", "", "", "", "", ""));
     EXPECT_THAT(MacAddresses("Two"), ElementsAre("m0", "m1", "", "", "", "", ""));

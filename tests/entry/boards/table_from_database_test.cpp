@@ -240,7 +240,8 @@ TEST_F(TableFromDatabase, TakesMACAddressesOf127CharactersAndNotOf129) {
                           {macKeyword(0), std::string(127, 'm')},
                           {macKeyword(1), std::string(129, 'n')}});
     Start();
-    EXPECT_THAT(MacAddresses("Board A"), ElementsAre(std::string(127, 'm'), "", "", "", "", ""));
+    EXPECT_THAT(MacAddresses("Board A"),
+                ElementsAre(std::string(127, 'm'), "", "", "", "", ""));
 }
 
 using Mark = std::pair<std::string, unsigned>;

@@ -24,7 +24,7 @@ class ObjectAccess : public ServiceTest {
     static oam_result AtOnce(Call open) {
         const auto begin = Clock::now();
         const oam_result result = open();
-        EXPECT_LT(Clock::now() - begin, std::chrono::seconds(8));
+        EXPECT_LT(Clock::now() - begin, std::chrono::seconds(5));
         return result;
     }
 };
