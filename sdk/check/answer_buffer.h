@@ -22,7 +22,7 @@ class AnswerBuffer {
     bool Judge(Entry entry, const std::string& subject, unsigned int result) const;
 
   private:
-    static constexpr std::size_t kGuard = 8192;
+    static constexpr std::size_t kGuard = 512;
 
     // The offset in the buffer of the first byte that is not the pattern's, or -1.
     long FirstWritten(std::size_t begin, std::size_t end) const;

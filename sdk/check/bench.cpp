@@ -6,6 +6,7 @@
 
 #include "entry_call.h"
 #include "finding.h"
+#include "judged_entries.h"
 #include "opened_object.h"
 #include "shown.h"
 
@@ -28,13 +29,16 @@ bool Bench::Next() {
 bool Bench::Start() {
     const oam_result failed = Service().Init();
     if (failed) TellFailedStart(failed);
-    return !failed;
+    if (failed) return false;
+    journal_.isUsable = true;
+    hasStarted_ = true;
+    return true;
 }
 
 void Bench::TellFailedStart(oam_result failed) const {
-    journal_.isUnusable = true;
     if (const auto result = CallHistory::LastResult(Entry::Init)) {
-        Tell(Rule::Init, Entry::Init, "it answered " + CodeText(result));
+        Tell(hasStarted_ ? Rule::InitAgain : Rule::Init, Entry::Init,
+             "it answered " + judged::NamedCode(result));
         return;
     }
     // What has been told explains it.

@@ -59,6 +59,7 @@ class Bench {
     CallJournal& journal_;
     int firstStep_;
     int step_ = -1;
+    bool hasStarted_ = false;
 };
 
 }  // namespace oam::check

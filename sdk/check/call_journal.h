@@ -57,7 +57,7 @@ class CallJournal {
     std::atomic<std::uint64_t> progress{0};
     std::atomic<int> step{-1};
     std::atomic<bool> isFinished{false};
-    std::atomic<bool> isUnusable{false};  // the service does not start with the module
+    std::atomic<bool> isUsable{false};  // loaded, or started with the service
     DeathRecord death;
 
   private:

@@ -63,7 +63,7 @@ void failAccess(Bench& bench, const std::string& name) {
             failEach(bench, entry, false, [&] { const OpenedObject object(name, mode); });
         }
     }
-    for (const char* keyword : {"Name", "Number", "Products.Count", "Check.New"}) {
+    for (const char* keyword : {"Name", "Number", "Check.New"}) {
         const OpenedObject object(name, OAM_OPEN_WRITE);
         if (object.Failure()) return;
         const std::string value = object.Get(keyword).value_or("0");

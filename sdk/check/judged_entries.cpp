@@ -21,6 +21,7 @@ namespace {
 
 // What the service reads of a count; above it, it gives up.
 constexpr int kHighestCount = 4096;
+constexpr unsigned int kRoomForCount = 16;
 
 std::array<void*, kEntryCount> addresses{};
 
@@ -85,7 +86,8 @@ unsigned int watchAnswer(Entry entry, unsigned long handle, const std::string& s
     const unsigned int result =
         watchAccess(entry, handle, whole, [&] { return answer(guarded.Data()); });
     if (!guarded.Judge(entry, whole, result)) return result != 0 ? result : OAM_REASON_FAILED;
-    if (countName != nullptr) judgeCount(entry, countName, guarded.Text());
+    // What was cut has been told.
+    if (countName != nullptr && size >= kRoomForCount) judgeCount(entry, countName, guarded.Text());
     std::memcpy(buffer, guarded.Text(), std::strlen(guarded.Text()) + 1);
     return result;
 }

@@ -1,24 +1,9 @@
 // The life cycle: started, stopped and started again, and called when it may be least expected.
-#include "entry_call.h"
-#include "finding.h"
 #include "judged_entries.h"
-#include "shown.h"
 #include "stages.h"
 
 namespace oam::check {
 namespace {
-
-void checkStartAgain(Bench& bench) {
-    if (!bench.Start()) return;
-    bench.Stop();
-    const oam_result failed = Service().Init();
-    if (!failed) return;
-    const auto refused = CallHistory::LastResult(Entry::Init);
-    Tell(Rule::InitAgain, Entry::Init,
-         refused ? "the second time it answered " + CodeText(refused)
-                 : "the service did not start again: " + CodeText(failed) + "; " +
-                       CallHistory::LastFailure());
-}
 
 // What a worker may do that was about to call the module when the service stopped.
 void callLate(Bench& bench) {
@@ -36,8 +21,8 @@ void callLate(Bench& bench) {
 }  // namespace
 
 void CheckLife(Bench& bench) {
-    if (bench.Next() && bench.Start()) bench.Stop();
-    if (bench.Next()) checkStartAgain(bench);
+    for (int life = 0; life < 3; ++life)
+        if (bench.Next() && bench.Start()) bench.Stop();
     if (bench.Next() && bench.Start()) {
         bench.Stop();
         // Exit is also called when another module's start has failed.

@@ -59,17 +59,13 @@ void CheckLoading(Bench& bench) {
     if (!bench.Next()) return;
     std::string reason;
     const auto file = ElfFile::Read(path, &reason);
-    if (!file || !checkUndefined(*file)) {
-        Journal().isUnusable = true;
-        return;
-    }
+    if (!file || !checkUndefined(*file)) return;
     // Its constructors run in here.
     CallRecord* loading = Journal().Begin(CallKind::Entry, "loading", "");
     const bool isLoaded = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL) != nullptr;
     Journal().End(loading);
-    if (isLoaded) return;
-    Tell(Rule::Loads, "", loaderError());
-    Journal().isUnusable = true;
+    Journal().isUsable = isLoaded;
+    if (!isLoaded) Tell(Rule::Loads, "", loaderError());
 }
 
 }  // namespace oam::check

@@ -10,14 +10,15 @@
     X(Init)                                                                                        \
     X(Exit)                                                                                        \
     X(Restart)                                                                                     \
-    X(AlertRegisterCallback) X(AlertNotify) X(OpenObject) X(CloseObject) X(CloseObject_WOAN)       \
-        X(SetKeyword) X(GetKeyword) X(GetQualifier) X(DbOpenObject) X(DbCloseObject)               \
-            X(DbGetProviderMode) X(DbSetProviderMode) X(DbSetKeyword) X(DbGetKeyword)              \
-                X(DbRemoveKeyword) X(DbSetQualifier) X(DbGetQualifier) X(DbRemoveQualifier)        \
-                    X(DbEnumObjects) X(DbEnumKeywords) X(ConfigExport) X(ConfigImport)             \
-                        X(CreateBoard) X(DeleteBoard) X(AddDetectedBoard) X(StartBoard)            \
-                            X(StopBoard) X(TestBoard) X(BoardEnum) X(SendBuffer) X(BoardGetStatus) \
-                                X(DetectBoards)
+    X(AlertRegisterCallback)                                                                       \
+    X(AlertNotify)                                                                                 \
+    X(OpenObject)                                                                                  \
+    X(CloseObject) X(CloseObject_WOAN) X(SetKeyword) X(GetKeyword) X(GetQualifier) X(DbOpenObject) \
+        X(DbCloseObject) X(DbGetProviderMode) X(DbSetProviderMode) X(DbSetKeyword) X(DbGetKeyword) \
+            X(DbRemoveKeyword) X(DbSetQualifier) X(DbGetQualifier) X(DbRemoveQualifier)            \
+                X(DbEnumObjects) X(DbEnumKeywords) X(ConfigExport) X(ConfigImport) X(CreateBoard)  \
+                    X(DeleteBoard) X(AddDetectedBoard) X(StartBoard) X(StopBoard) X(TestBoard)     \
+                        X(BoardEnum) X(SendBuffer) X(BoardGetStatus) X(DetectBoards)
 
 namespace oam::check {
 

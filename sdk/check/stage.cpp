@@ -29,10 +29,17 @@ constexpr Milliseconds kGlance{50};
 constexpr Milliseconds kServiceWait{15000};
 
 constexpr Stage kStages[] = {
-    {true, &CheckLife},         {true, &CheckProducts},       {true, &CheckReading},
-    {true, &CheckChanging},     {true, &CheckBadArguments},   {false, &CheckOperations},
-    {false, &CheckConcurrency}, {false, &CheckInterruptions}, {true, &CheckDatabaseFailures},
-    {true, &CheckAlerts},       {true, &CheckTexts},
+    {Meaning::Condition, true, &CheckLife},
+    {Meaning::Further, true, &CheckProducts},
+    {Meaning::Further, true, &CheckReading},
+    {Meaning::Further, true, &CheckChanging},
+    {Meaning::Further, true, &CheckBadArguments},
+    {Meaning::Further, false, &CheckOperations},
+    {Meaning::Further, false, &CheckConcurrency},
+    {Meaning::Further, false, &CheckInterruptions},
+    {Meaning::Further, true, &CheckDatabaseFailures},
+    {Meaning::Further, true, &CheckAlerts},
+    {Meaning::Further, true, &CheckTexts},
 };
 
 class Pipe {
@@ -112,7 +119,7 @@ class ChildRun {
 
     const std::vector<Finding>& Findings() const { return receiver_.Findings(); }
     int Step() const { return journal_->step; }
-    bool IsUnusable() const { return journal_->isUnusable; }
+    bool IsUsable() const { return journal_->isUsable; }
 
   private:
     std::optional<Finding> WhereStuck() {
@@ -168,7 +175,7 @@ class ChildRun {
 
 }  // namespace
 
-const Stage kLoadingStage = {true, &CheckLoading};
+const Stage kLoadingStage = {Meaning::Condition, true, &CheckLoading};
 
 std::span<const Stage> RunningStages() { return kStages; }
 
@@ -177,13 +184,15 @@ bool Judge::IsWorthMore(const Finding& death) {
 }
 
 bool Judge::Run(const Stage& stage) {
+    bool isUsable = stage.meaning != Meaning::Condition;
     for (int firstStep = 0;;) {
         ChildRun run(stage, module_, kind_, limit_, firstStep);
         const auto death = run.Watch();
         const auto& found = run.Findings();
         findings_.insert(findings_.end(), found.begin(), found.end());
         if (death) findings_.push_back(*death);
-        if (WasInterrupted() || run.IsUnusable()) return false;
+        isUsable = isUsable || run.IsUsable();
+        if (WasInterrupted() || !isUsable) return false;
         // A death before the first step would only repeat itself.
         if (!death || !IsWorthMore(*death) || run.Step() < firstStep) return true;
         firstStep = run.Step() + 1;

@@ -16,14 +16,18 @@
 
 namespace oam::check {
 
+enum class Meaning { Further, Condition };
+
 struct Stage {
+    // When a condition is not met, nothing further can be judged.
+    Meaning meaning;
     bool forComponents;
     void (*run)(Bench& bench);
 };
 
 // Whether the module can be loaded at all; without the service.
 extern const Stage kLoadingStage;
-// In the order in which they are run; the first one is a condition of the others.
+// In the order in which they are run.
 std::span<const Stage> RunningStages();
 
 // One module under judgement, through all stages.

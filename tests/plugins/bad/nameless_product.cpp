@@ -1,12 +1,15 @@
-// Its product's name cannot be kept in a data file.
+// Its product's name ends with a blank, which no data file can keep.
 #include <strings.h>
+
+#include <cstring>
 
 #include "sound.h"
 
 unsigned int GetKeyword(unsigned long handle, const char* keyword, char* buffer,
                         unsigned int size) {
     const unsigned int failed = SoundGetKeyword(handle, keyword, buffer, size);
-    const bool isProduct = keyword != nullptr && strcasecmp(keyword, "Products[0]") == 0;
-    if (!failed && isProduct && buffer != nullptr) buffer[0] = ' ';
+    if (failed || buffer == nullptr) return failed;
+    for (const char* name : {"Products[0]", "DetectedBoards[0].Product"})
+        if (strcasecmp(keyword, name) == 0) buffer[std::strlen(buffer) - 1] = ' ';
     return failed;
 }

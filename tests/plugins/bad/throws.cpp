@@ -4,6 +4,6 @@
 #include "sound.h"
 
 unsigned int StartBoard(const char* board) {
-    if (board[0] == 'D') throw std::runtime_error("no firmware");
-    return SoundStartBoard(board);
+    if (SoundStartBoard(board) == OAM_SUCCESS) throw std::runtime_error("no firmware");
+    return OAMERR_START_BOARD_FAIL;
 }

@@ -45,7 +45,7 @@ constexpr Fault kFaults[] = {
     {"ends_process", "ends-process", "TestBoard", "it ended the process"},
     {"throws", "throws", "StartBoard", "\"no firmware\""},
     {"leaks_handle", "open-handles", "StartBoard", "it left \"D"},
-    {"uses_closed_handle", "handles", "StartBoard", "_oamDbGetKeyword"},
+    {"uses_no_handle", "handles", "StartBoard", "_oamDbGetKeyword"},
     {"closes_lent_handle", "handles", "CloseObject", "_oamDbCloseObject"},
     {"keeps_provider_mode", "provider-mode", "SetKeyword", "on"},
     {"spoiled_alert", "alert-record", "StartBoard", "24 bytes"},
