@@ -1,13 +1,13 @@
 // oam detect, board add, create, delete: which boards there are.
-#include <CLI/CLI.hpp>
 #include <algorithm>
 
+#include "arguments.h"
 #include "board_selection.h"
 #include "command.h"
 #include "console.h"
 #include "detected_boards.h"
-#include "object_kind.h"
 #include "oam/entry.h"
+#include "object_kind.h"
 #include "session.h"
 #include "text_answer.h"
 
@@ -61,11 +61,11 @@ class DetectCommand : public SessionCommand {
 
 class AddCommand : public SessionCommand {
   public:
-    void DeclareArguments(CLI::App& app) override {
-        selection_.Declare(app, "A detected board, as `oam detect` names it", false);
+    void DeclareArguments(Arguments& arguments) override {
+        selection_.Declare(arguments, "A detected board, as `oam detect` names it");
     }
 
-    void CheckArguments() override { selection_.Check(); }
+    void CheckArguments() override { selection_.CheckOne(); }
 
   protected:
     ExitStatus Work(Session& session, Console& console) override {
@@ -88,8 +88,8 @@ class AddCommand : public SessionCommand {
 
 class CreateCommand : public SessionCommand {
   public:
-    void DeclareArguments(CLI::App& app) override {
-        app.add_option("PRODUCT", product_, "A product that a plug-in serves")->required();
+    void DeclareArguments(Arguments& arguments) override {
+        arguments.Required("PRODUCT", &product_, "A product that a plug-in serves");
     }
 
   protected:
@@ -101,8 +101,10 @@ class CreateCommand : public SessionCommand {
             throw Failure(code, "cannot create a board of product " + Quoted(product_),
                           "`oam plugin list` lists the products");
         }
-        if (console.IsJson()) console.ShowJson({{"created", name}});
-        else console.Say("created " + Quoted(name));
+        if (console.IsJson())
+            console.ShowJson({{"created", name}});
+        else
+            console.Say("created " + Quoted(name));
         return kDone;
     }
 
@@ -112,15 +114,14 @@ class CreateCommand : public SessionCommand {
 
 class DeleteCommand : public SessionCommand {
   public:
-    void DeclareArguments(CLI::App& app) override {
-        selection_.Declare(app, "A board", false);
+    void DeclareArguments(Arguments& arguments) override {
+        selection_.Declare(arguments, "A board");
     }
 
     void CheckArguments() override {
-        selection_.Check();
+        selection_.CheckOne();
         for (const std::string& name : selection_.Names())
-            if (KindOf(name) != ObjectKind::kBoard)
-                throw UsageError(Quoted(name) + " is no board");
+            if (KindOf(name) != ObjectKind::kBoard) throw UsageError(Quoted(name) + " is no board");
     }
 
   protected:
@@ -130,8 +131,9 @@ class DeleteCommand : public SessionCommand {
             _oamDeleteBoard(selection_.IsAll() ? nullptr : selection_.Names()[0].c_str());
         showNames(console, "deleted", "deleted", newIn(before, boardObjects()));
         if (code)
-            throw Failure(code, selection_.IsAll() ? "not all boards could be deleted"
-                                                   : "cannot delete " + Quoted(selection_.Names()[0]),
+            throw Failure(code,
+                          selection_.IsAll() ? "not all boards could be deleted"
+                                             : "cannot delete " + Quoted(selection_.Names()[0]),
                           "`oam objects` lists what there is");
         return kDone;
     }

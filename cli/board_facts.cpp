@@ -18,10 +18,9 @@ std::string textOf(const std::string& name, Ask ask) {
 std::vector<std::string> macAddressesOf(const std::string& name) {
     std::vector<std::string> addresses;
     for (unsigned i = 0; i < OAM_MAC_KEPT; ++i) {
-        std::string address =
-            textOf(name, [i](const char* board, char* buffer, unsigned size) {
-                return _oamBoardGetMACAddress(board, buffer, size, i);
-            });
+        std::string address = textOf(name, [i](const char* board, char* buffer, unsigned size) {
+            return _oamBoardGetMACAddress(board, buffer, size, i);
+        });
         if (!address.empty()) addresses.push_back(std::move(address));
     }
     return addresses;
@@ -70,7 +69,8 @@ std::string RequireBoard(const std::string& name) {
     unsigned number = 0;
     const unsigned code = _oamBoardGetNumber(name.c_str(), &number);
     if (code)
-        throw Failure(code, "there is no board " + Quoted(name), "`oam board list` lists the boards");
+        throw Failure(code, "there is no board " + Quoted(name),
+                      "`oam board list` lists the boards");
     const Answer spelled = AskText([number](char* buffer, unsigned size) {
         return _oamBoardLookupByNumber(number, buffer, size);
     });

@@ -1,8 +1,8 @@
 #include "board_lookup.h"
 
-#include <CLI/CLI.hpp>
 #include <algorithm>
 
+#include "arguments.h"
 #include "failure.h"
 #include "number.h"
 
@@ -13,7 +13,7 @@ using Values = std::vector<std::string>;
 
 struct Identity {
     const char* option;
-    const char* values;
+    const char* placeholder;
     int count;
     bool isNumber;
     const char* description;
@@ -57,36 +57,36 @@ constexpr Identity kIdentities[] = {
 
 }  // namespace
 
-void BoardLookup::Declare(CLI::App& app) {
-    for (const Identity& identity : kIdentities) {
-        const std::string description = identity.description;
-        options_.push_back(app.add_option(identity.option, description)
-                               ->type_name(identity.values)
-                               ->expected(identity.count));
+void BoardLookup::Declare(Arguments& arguments) {
+    values_.resize(std::size(kIdentities));
+    for (size_t row = 0; row < values_.size(); ++row) {
+        const Identity& identity = kIdentities[row];
+        arguments.Several(identity.option, identity.count, &values_[row], identity.placeholder,
+                          identity.description);
     }
 }
 
 void BoardLookup::Check() const {
-    const auto isGiven = [](const CLI::Option* option) { return option->count() > 0; };
-    if (std::count_if(options_.begin(), options_.end(), isGiven) != 1)
+    const auto isGiven = [](const Values& values) { return !values.empty(); };
+    if (std::count_if(values_.begin(), values_.end(), isGiven) != 1)
         throw UsageError("give one of the identities; see `oam board lookup --help`");
-    const Given given = Find();
-    if (!kIdentities[given.row].isNumber) return;
-    for (const std::string& value : given.values)
+    const size_t row = Row();
+    if (!kIdentities[row].isNumber) return;
+    for (const std::string& value : values_[row])
         if (!ParseNumber(value)) throw UsageError("not a number of 32 bits: " + Quoted(value));
 }
 
 Answer BoardLookup::Ask() const {
-    const Given given = Find();
+    const size_t row = Row();
     return AskText([&](char* buffer, unsigned size) {
-        return kIdentities[given.row].ask(given.values, buffer, size);
+        return kIdentities[row].ask(values_[row], buffer, size);
     });
 }
 
-BoardLookup::Given BoardLookup::Find() const {
+size_t BoardLookup::Row() const {
     size_t row = 0;
-    while (options_[row]->count() == 0) ++row;
-    return {row, options_[row]->results()};
+    while (values_[row].empty()) ++row;
+    return row;
 }
 
 }  // namespace oam

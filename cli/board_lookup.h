@@ -6,30 +6,23 @@
 
 #include "text_answer.h"
 
-namespace CLI {
-class App;
-class Option;
-}  // namespace CLI
-
 namespace oam {
+
+class Arguments;
 
 class BoardLookup {
   public:
-    void Declare(CLI::App& app);
+    void Declare(Arguments& arguments);
     void Check() const;
 
     // The board's name.
     Answer Ask() const;
 
   private:
-    struct Given {
-        size_t row;
-        std::vector<std::string> values;
-    };
+    // The row of the identity given.
+    size_t Row() const;
 
-    Given Find() const;
-
-    std::vector<CLI::Option*> options_;
+    std::vector<std::vector<std::string>> values_;  // of each row; empty: not given
 };
 
 }  // namespace oam

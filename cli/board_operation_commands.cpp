@@ -1,13 +1,12 @@
 // oam board start, stop, test: three rows of one frame.
-#include <CLI/CLI.hpp>
 #include <algorithm>
 
+#include "arguments.h"
 #include "board_facts.h"
 #include "board_selection.h"
 #include "command.h"
 #include "console.h"
 #include "foreign_text.h"
-#include "number.h"
 #include "oam/entry.h"
 #include "outcome_waiter.h"
 #include "session.h"
@@ -49,15 +48,18 @@ class OutcomeReport {
         rows_.push_back({{"board", board}, {"outcome", outcome}, {"text", text}});
         const std::string line = std::string(operation_.verb) + ' ' + Quoted(board) + ": " +
                                  outcome + (text.empty() ? "" : ": " + Shown(text));
-        if (!isGood) console_.Note(line);
-        else if (!console_.IsJson()) console_.Stream(line);
+        if (!isGood)
+            console_.Note(line);
+        else if (!console_.IsJson())
+            console_.Stream(line);
         allGood_ = allGood_ && isGood;
     }
 
     ExitStatus Finish() {
         if (console_.IsJson())
             console_.ShowJson({{"operation", operation_.verb}, {"boards", rows_}});
-        else if (rows_.empty()) console_.Say("there are no boards");
+        else if (rows_.empty())
+            console_.Say("there are no boards");
         return allGood_ ? kDone : kFailed;
     }
 
@@ -72,11 +74,11 @@ class OperationCommand : public SessionCommand {
   public:
     explicit OperationCommand(const Operation& operation) : operation_(operation) {}
 
-    void DeclareArguments(CLI::App& app) override {
-        selection_.Declare(app, "Boards", true);
-        app.add_flag("--no-wait", noWait_, "Only hand the requests over; see the manual");
-        AddNumber(app, "--timeout", &timeout_, {1, 86400},
-                  "How many seconds to wait for the outcomes (default 60)");
+    void DeclareArguments(Arguments& arguments) override {
+        selection_.Declare(arguments, "Boards");
+        arguments.Flag("--no-wait", &noWait_, "Only hand the requests over; see the manual");
+        arguments.Number("--timeout", &timeout_, {1, 86400},
+                         "How many seconds to wait for the outcomes (default 60)");
     }
 
     void CheckArguments() override { selection_.Check(); }
@@ -92,7 +94,7 @@ class OperationCommand : public SessionCommand {
                 continue;
             }
             waiter.Expect(board);
-            if (const unsigned code = operation_.request(board.c_str(), value_)) {
+            if (const unsigned code = operation_.request(board.c_str(), value_.value_or(0))) {
                 waiter.Forget(board);
                 report.Add(board, "refused", false, CodeText(code));
             }
@@ -102,12 +104,12 @@ class OperationCommand : public SessionCommand {
         return report.Finish();
     }
 
-    unsigned value_ = 0;
+    std::optional<unsigned> value_;
 
   private:
     void Wait(Session& session, OutcomeWaiter& waiter, OutcomeReport& report) {
-        const auto limit = std::chrono::seconds(noWait_ ? 0 : timeout_);
-        const auto deadline = std::chrono::steady_clock::now() + limit;
+        const unsigned limit = noWait_ ? 0 : timeout_.value_or(60);
+        const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(limit);
         while (const auto alert = waiter.Next(deadline)) {
             const bool isGood = alert->severity == OAM_INFORMATION;
             report.Add(alert->source, isGood ? "done" : "failed", isGood, alert->text);
@@ -115,10 +117,11 @@ class OperationCommand : public SessionCommand {
         for (const auto& [board, refusal] : waiter.Expected()) {
             if (session.Interrupted().IsRequested())
                 report.Add(board, "outcome unknown", false, "interrupted");
-            else if (noWait_) report.Add(board, "requested", true, "");
+            else if (noWait_)
+                report.Add(board, "requested", true, "");
             else
                 report.Add(board, "outcome unknown", false,
-                           "nothing after " + std::to_string(timeout_) + " s" +
+                           "nothing after " + std::to_string(limit) + " s" +
                                (refusal.empty() ? "" : "; " + refusal));
         }
     }
@@ -133,7 +136,7 @@ class OperationCommand : public SessionCommand {
     const Operation& operation_;
     BoardSelection selection_;
     bool noWait_ = false;
-    unsigned timeout_ = 60;
+    std::optional<unsigned> timeout_;
 };
 
 class StartCommand : public OperationCommand {
@@ -150,9 +153,10 @@ class TestCommand : public OperationCommand {
   public:
     TestCommand() : OperationCommand(kTest) {}
 
-    void DeclareArguments(CLI::App& app) override {
-        OperationCommand::DeclareArguments(app);
-        AddNumber(app, "--value", &value_, {}, "What to test, a number that the plug-in explains");
+    void DeclareArguments(Arguments& arguments) override {
+        OperationCommand::DeclareArguments(arguments);
+        arguments.Number("--value", &value_, {},
+                         "What to test, a number that the plug-in explains");
     }
 };
 

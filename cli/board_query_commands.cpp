@@ -1,12 +1,11 @@
 // oam board list, info, status, lookup, send: questions about boards.
-#include <CLI/CLI.hpp>
 
+#include "arguments.h"
 #include "board_facts.h"
 #include "board_lookup.h"
 #include "command.h"
 #include "console.h"
 #include "file_content.h"
-#include "number.h"
 #include "oam/entry.h"
 #include "session.h"
 
@@ -46,8 +45,8 @@ class ListCommand : public SessionCommand {
 // A command for one board of the table.
 class BoardCommand : public SessionCommand {
   public:
-    void DeclareArguments(CLI::App& app) override {
-        app.add_option("NAME", name_, "The board")->required();
+    void DeclareArguments(Arguments& arguments) override {
+        arguments.Required("NAME", &name_, "The board");
     }
 
   protected:
@@ -69,82 +68,85 @@ class InfoCommand : public BoardCommand {
         std::string addresses;
         for (const std::string& address : facts.macAddresses)
             addresses += (addresses.empty() ? "" : ", ") + address;
-        console.Show(Record{{{"name", "name", facts.name},
-                             {"number", "number", facts.number},
-                             {"product", "product", facts.product},
-                             {"driverName", "driver", facts.driverName},
-                             {"driverBoardId", "board id in driver", facts.driverBoardId},
-                             {"pci", "bus:slot", placeCell(facts.busSlot, "bus")},
-                             {"compactPci", "shelf:slot", shelfCell(facts)},
-                             {"ioAddress", "I/O address",
-                              Cell(facts.ioAddress, HexText(facts.ioAddress))},
-                             {"serialNumber", "serial number", facts.serialNumber},
-                             {"macAddresses", "MAC addresses", Cell(facts.macAddresses, addresses)},
-                             {"autoStart", "automatic start", facts.autoStart},
-                             {"autoStop", "automatic stop", facts.autoStop}}});
+        console.Show(
+            Record{{{"name", "name", facts.name},
+                    {"number", "number", facts.number},
+                    {"product", "product", facts.product},
+                    {"driverName", "driver", facts.driverName},
+                    {"driverBoardId", "board id in driver", facts.driverBoardId},
+                    {"pci", "bus:slot", placeCell(facts.busSlot, "bus")},
+                    {"compactPci", "shelf:slot", shelfCell(facts)},
+                    {"ioAddress", "I/O address", Cell(facts.ioAddress, HexText(facts.ioAddress))},
+                    {"serialNumber", "serial number", facts.serialNumber},
+                    {"macAddresses", "MAC addresses", Cell(facts.macAddresses, addresses)},
+                    {"autoStart", "automatic start", facts.autoStart},
+                    {"autoStop", "automatic stop", facts.autoStop}}});
     }
 };
 
 class StatusCommand : public BoardCommand {
   public:
-    void DeclareArguments(CLI::App& app) override {
-        BoardCommand::DeclareArguments(app);
-        AddNumber(app, "--selector", &selector_, {}, "Which status, a number that the plug-in explains");
+    void DeclareArguments(Arguments& arguments) override {
+        BoardCommand::DeclareArguments(arguments);
+        arguments.Number("--selector", &given_, {},
+                         "Which status, a number that the plug-in explains");
     }
 
   protected:
     void WorkOn(const std::string& board, Console& console) override {
         int status = 0;
-        const unsigned code = _oamBoardGetStatus(board.c_str(), selector_, &status);
+        const unsigned selector = given_.value_or(0);
+        const unsigned code = _oamBoardGetStatus(board.c_str(), selector, &status);
         if (code)
             throw Failure(code, "no status of " + Quoted(board),
                           code == OAMERR_NOT_SUPPORTED_WARNING
                               ? "the board's plug-in does not tell a status"
                               : "");
         if (console.IsJson())
-            console.ShowJson({{"board", board}, {"selector", selector_}, {"status", status}});
-        else console.Say(std::to_string(status));
+            console.ShowJson({{"board", board}, {"selector", selector}, {"status", status}});
+        else
+            console.Say(std::to_string(status));
     }
 
   private:
-    unsigned selector_ = 0;
+    std::optional<unsigned> given_;
 };
 
 class SendCommand : public BoardCommand {
   public:
-    void DeclareArguments(CLI::App& app) override {
-        BoardCommand::DeclareArguments(app);
-        text_ = app.add_option("TEXT", buffer_, "What to send");
-        file_ = app.add_option("--file", path_, "Send this file's content")->type_name("FILE");
+    void DeclareArguments(Arguments& arguments) override {
+        BoardCommand::DeclareArguments(arguments);
+        arguments.Optional("TEXT", &text_, "What to send");
+        arguments.Optional("--file", &path_, "Send this file's content", "FILE");
     }
 
     void CheckArguments() override {
-        if (text_->count() + file_->count() != 1) throw UsageError("give a TEXT or --file FILE");
-        if (!file_->count()) return;
-        FileContent file = LoadFile(path_);
-        if (!file.error.empty()) throw Failure("cannot read " + Quoted(path_) + ": " + file.error);
-        buffer_ = std::move(file.content);
+        if (text_.has_value() == path_.has_value()) throw UsageError("give a TEXT or --file FILE");
+        if (!path_) return;
+        FileContent file = LoadFile(*path_);
+        if (!file.error.empty()) throw Failure("cannot read " + Quoted(*path_) + ": " + file.error);
+        text_ = std::move(file.content);
     }
 
   protected:
     void WorkOn(const std::string& board, Console& console) override {
-        const unsigned code = _oamSendBuffer(board.c_str(), buffer_.data(),
-                                             static_cast<unsigned>(buffer_.size()));
+        const unsigned code =
+            _oamSendBuffer(board.c_str(), text_->data(), static_cast<unsigned>(text_->size()));
         if (code) throw Failure(code, "cannot send to " + Quoted(board));
-        if (console.IsJson()) console.ShowJson({{"board", board}, {"sent", buffer_.size()}});
-        else console.Say("sent " + std::to_string(buffer_.size()) + " bytes to " + Quoted(board));
+        if (console.IsJson())
+            console.ShowJson({{"board", board}, {"sent", text_->size()}});
+        else
+            console.Say("sent " + std::to_string(text_->size()) + " bytes to " + Quoted(board));
     }
 
   private:
-    CLI::Option* text_ = nullptr;
-    CLI::Option* file_ = nullptr;
-    std::string buffer_;
-    std::string path_;
+    std::optional<std::string> text_;
+    std::optional<std::string> path_;
 };
 
 class LookupCommand : public SessionCommand {
   public:
-    void DeclareArguments(CLI::App& app) override { lookup_.Declare(app); }
+    void DeclareArguments(Arguments& arguments) override { lookup_.Declare(arguments); }
     void CheckArguments() override { lookup_.Check(); }
 
   protected:
@@ -152,8 +154,10 @@ class LookupCommand : public SessionCommand {
         const Answer name = lookup_.Ask();
         if (!name.IsGiven())
             throw Failure(name.code, "no such board", "`oam board list` lists the boards");
-        if (console.IsJson()) console.ShowJson({{"name", name.text}});
-        else console.Value(name.text);
+        if (console.IsJson())
+            console.ShowJson({{"name", name.text}});
+        else
+            console.Value(name.text);
         return kDone;
     }
 
@@ -175,7 +179,8 @@ constexpr CommandRow kRows[] = {
      "oam board lookup --product SIM-E1",
      Make<LookupCommand>},
     {"board", "send", "Send bytes to a board's plug-in",
-     "oam board send \"Sim E1 left\" \"temperature 400\"\noam board send \"Sim E1 left\" --file command.txt",
+     "oam board send \"Sim E1 left\" \"temperature 400\"\noam board send \"Sim E1 left\" --file "
+     "command.txt",
      Make<SendCommand>},
 };
 

@@ -1,18 +1,23 @@
 #include "board_selection.h"
 
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <set>
 
+#include "arguments.h"
 #include "board_facts.h"
 #include "failure.h"
 #include "object_kind.h"
 
 namespace oam {
 
-void BoardSelection::Declare(CLI::App& app, const std::string& description, bool several) {
-    app.add_option("NAME", names_, description)->expected(0, several ? -1 : 1);
-    app.add_flag("--all", all_, "All of them");
+void BoardSelection::Declare(Arguments& arguments, const std::string& description) {
+    arguments.Optional("NAME", &names_, description);
+    arguments.Flag("--all", &all_, "All of them");
+}
+
+void BoardSelection::CheckOne() const {
+    Check();
+    if (names_.size() > 1) throw UsageError("give one NAME, or --all");
 }
 
 void BoardSelection::Check() const {

@@ -4,16 +4,16 @@
 #include <string>
 #include <vector>
 
-namespace CLI {
-class App;
-}
-
 namespace oam {
+
+class Arguments;
 
 class BoardSelection {
   public:
-    void Declare(CLI::App& app, const std::string& description, bool several);
+    // `description` of a NAME.
+    void Declare(Arguments& arguments, const std::string& description);
     void Check() const;
+    void CheckOne() const;
 
     bool IsAll() const { return all_; }
     const std::vector<std::string>& Names() const { return names_; }

@@ -1,6 +1,6 @@
 // oam set, supervisor: changing objects.
-#include <CLI/CLI.hpp>
 
+#include "arguments.h"
 #include "command.h"
 #include "console.h"
 #include "foreign_text.h"
@@ -22,15 +22,17 @@ void change(Console& console, const std::string& object,
     ApplyChange(object, assignments);
     Table table{{{"keyword", "KEYWORD"}, {"value", "VALUE"}}, {}};
     for (const Assignment& done : assignments) table.rows.push_back({done.keyword, done.value});
-    if (console.IsJson()) console.ShowJson({{"object", object}, {"changed", AsJson(table)}});
-    else console.Show("changed", table);
+    if (console.IsJson())
+        console.ShowJson({{"object", object}, {"changed", AsJson(table)}});
+    else
+        console.Show("changed", table);
 }
 
 class SetCommand : public SessionCommand {
   public:
-    void DeclareArguments(CLI::App& app) override {
-        app.add_option("OBJECT", object_, "The object's name")->required();
-        app.add_option("KEYWORD=VALUE", texts_, "The keywords to change, all or none")->required();
+    void DeclareArguments(Arguments& arguments) override {
+        arguments.Required("OBJECT", &object_, "The object's name");
+        arguments.Required("KEYWORD=VALUE", &texts_, "The keywords to change, all or none");
     }
 
     void CheckArguments() override { changes_ = ParseAssignments(texts_); }
@@ -49,8 +51,8 @@ class SetCommand : public SessionCommand {
 
 class SupervisorCommand : public SessionCommand {
   public:
-    void DeclareArguments(CLI::App& app) override {
-        app.add_option("KEYWORD=VALUE", texts_, "Settings to change to Yes or No");
+    void DeclareArguments(Arguments& arguments) override {
+        arguments.Optional("KEYWORD=VALUE", &texts_, "Settings to change to Yes or No");
     }
 
     void CheckArguments() override {
@@ -65,8 +67,10 @@ class SupervisorCommand : public SessionCommand {
 
   protected:
     ExitStatus Work(Session&, Console& console) override {
-        if (changes_.empty()) Show(console);
-        else Set(console);
+        if (changes_.empty())
+            Show(console);
+        else
+            Set(console);
         return kDone;
     }
 
@@ -75,8 +79,8 @@ class SupervisorCommand : public SessionCommand {
         const OpenedObject object(kSupervisor, OAM_OPEN_READ);
         Table table{{{"keyword", "SETTING"}, {"value", "VALUE"}, {"description", "MEANING"}}, {}};
         for (const char* name : kSettings)
-            table.rows.push_back({name, object.Keyword(name).text,
-                                  object.Qualifier(name, "Description").text});
+            table.rows.push_back(
+                {name, object.Keyword(name).text, object.Qualifier(name, "Description").text});
         console.Show("settings", table);
     }
 

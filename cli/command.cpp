@@ -5,7 +5,7 @@
 
 namespace oam {
 
-void Command::DeclareArguments(CLI::App&) {}
+void Command::DeclareArguments(Arguments&) {}
 
 void Command::CheckArguments() {}
 

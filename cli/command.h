@@ -8,12 +8,9 @@
 
 #include "failure.h"
 
-namespace CLI {
-class App;
-}
-
 namespace oam {
 
+class Arguments;
 class Console;
 class Installation;
 class Session;
@@ -27,7 +24,7 @@ struct Context {
 class Command {
   public:
     virtual ~Command() = default;
-    virtual void DeclareArguments(CLI::App& app);
+    virtual void DeclareArguments(Arguments& arguments);
     // After the command line was read and before anything is done: a UsageError for arguments that
     // do not go together.
     virtual void CheckArguments();

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <sstream>
 
+#include "arguments.h"
 #include "console.h"
 #include "installation.h"
 
@@ -43,9 +44,10 @@ std::string titleOf(int argc, char** argv) {
 CommandLine::CommandLine() : app_(std::make_unique<CLI::App>(kSummary, "oam")) {
     app_->fallthrough();
     app_->require_subcommand(1);
-    app_->add_option("--dir", directory_, "The installation (default: KOR_DIR, else the built-in)")
-        ->type_name("DIR");
-    app_->add_flag("--json", json_, "Answer in JSON: one object, or one a line for streams");
+    Arguments arguments(*app_);
+    arguments.Optional("--dir", &directory_,
+                       "The installation (default: KOR_DIR, else the built-in)", "DIR");
+    arguments.Flag("--json", &json_, "Answer in JSON: one object, or one a line for streams");
     app_->footer("\nExit status: 0 done, 1 refused or failed, 2 wrong use." +
                  exampleText("oam --dir /opt/oam objects\noam board list --json"));
     for (const FamilyRow& row : kFamilies) {
@@ -53,9 +55,9 @@ CommandLine::CommandLine() : app_(std::make_unique<CLI::App>(kSummary, "oam")) {
         family->require_subcommand(1);
         family->footer(exampleText(row.examples));
     }
-    for (const auto family : {InitCommands, ObjectCommands, ChangeCommands, BoardCommands,
-                              BoardQueryCommands, BoardOperationCommands, ConfigCommands,
-                              MonitorCommands, InfoCommands})
+    for (const auto family :
+         {InitCommands, ObjectCommands, ChangeCommands, BoardCommands, BoardQueryCommands,
+          BoardOperationCommands, ConfigCommands, MonitorCommands, InfoCommands})
         for (const CommandRow& row : family()) Add(row);
 }
 
@@ -66,7 +68,8 @@ void CommandLine::Add(const CommandRow& row) {
     CLI::App* app = parent->add_subcommand(row.name, row.summary);
     app->footer(exampleText(row.examples));
     choices_.push_back({app, row.make()});
-    choices_.back().command->DeclareArguments(*app);
+    Arguments arguments(*app);
+    choices_.back().command->DeclareArguments(arguments);
 }
 
 ExitStatus CommandLine::Execute(int argc, char** argv) {

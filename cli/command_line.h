@@ -8,6 +8,10 @@
 
 #include "command.h"
 
+namespace CLI {
+class App;
+}
+
 namespace oam {
 
 class CommandLine {

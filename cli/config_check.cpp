@@ -88,14 +88,17 @@ class Check {
     void CheckPath(const std::string& path) {
         const size_t length = place_.Path("/" + path).size();
         if (length >= kPathSize)
-            Add({path, {}, "its path has " + std::to_string(length) +
-                               " characters; more than 127 stop the service's start"});
+            Add({path,
+                 {},
+                 "its path has " + std::to_string(length) +
+                     " characters; more than 127 stop the service's start"});
     }
 
     void CheckIsLibrary(const std::string& path) {
         constexpr std::string_view kMark = "\177ELF";
         const FileContent file = LoadStart(place_.Path("/" + path), kMark.size());
-        if (!file.error.empty()) Add({path, {}, file.error + ": the service would not start"});
+        if (!file.error.empty())
+            Add({path, {}, file.error + ": the service would not start"});
         else if (file.content != kMark)
             Add({path, {}, "it is not a shared library: the service would not start"});
     }

@@ -1,4 +1,5 @@
-// Looking an installation over without touching it: what would go wrong at the service's next start.
+// Looking an installation over without touching it: what would go wrong at the service's next
+// start.
 #pragma once
 
 #include <optional>

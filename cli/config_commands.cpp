@@ -1,8 +1,8 @@
 // oam export, import, check: the configuration as a whole.
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <filesystem>
 
+#include "arguments.h"
 #include "command.h"
 #include "config_check.h"
 #include "console.h"
@@ -21,8 +21,8 @@ void complain(Console& console, const std::vector<Finding>& findings) {
 
 class ExportCommand : public SessionCommand {
   public:
-    void DeclareArguments(CLI::App& app) override {
-        app.add_option("FILE", file_, "Where to; an old file is replaced")->required();
+    void DeclareArguments(Arguments& arguments) override {
+        arguments.Required("FILE", &file_, "Where to; an old file is replaced");
     }
 
   protected:
@@ -53,8 +53,8 @@ class ExportCommand : public SessionCommand {
 
 class ImportCommand : public SessionCommand {
   public:
-    void DeclareArguments(CLI::App& app) override {
-        app.add_option("FILE", file_, "An export")->required();
+    void DeclareArguments(Arguments& arguments) override {
+        arguments.Required("FILE", &file_, "An export");
     }
 
   protected:
@@ -79,7 +79,8 @@ class ImportCommand : public SessionCommand {
     }
 
   private:
-    // Of a product that no plug-in serves there are objects, but no boards: their numbers may clash.
+    // Of a product that no plug-in serves there are objects, but no boards: their numbers may
+    // clash.
     static IsServed ServedProducts() {
         const OpenedObject supervisor("Supervisor", OAM_OPEN_READ);
         std::vector<std::string> products;
@@ -99,8 +100,10 @@ class CheckCommand : public Command {
   public:
     ExitStatus Run(Context& context) override {
         const CheckResult result = CheckInstallation(context.place);
-        if (context.console.IsJson()) PrintJson(context, result);
-        else PrintText(context.console, result);
+        if (context.console.IsJson())
+            PrintJson(context, result);
+        else
+            PrintText(context.console, result);
         return result.findings.empty() ? kDone : kFailed;
     }
 

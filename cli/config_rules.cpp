@@ -51,7 +51,8 @@ class ObjectCheck {
     }
 
     void Refuse(Position at, const char* what, const std::string& name, const std::string& why) {
-        if (!why.empty()) Add(at, std::string(what) + ' ' + Quoted(name) + " cannot be kept: " + why);
+        if (!why.empty())
+            Add(at, std::string(what) + ' ' + Quoted(name) + " cannot be kept: " + why);
     }
 
     void Add(Position at, const std::string& text) {
@@ -102,7 +103,8 @@ void checkBoardNumbers(const std::vector<FoundObject>& objects, const IsServed& 
 // "Obj<number>.xmo", the form that the service gives to boards.
 bool isBoardFile(const std::string& file) {
     if (!file.starts_with("Obj") || !file.ends_with(".xmo") || file.size() < 8) return false;
-    return std::all_of(file.begin() + 3, file.end() - 4, [](char c) { return c >= '0' && c <= '9'; });
+    return std::all_of(file.begin() + 3, file.end() - 4,
+                       [](char c) { return c >= '0' && c <= '9'; });
 }
 
 }  // namespace

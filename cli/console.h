@@ -2,7 +2,8 @@
 // error for everything else.
 //
 // In JSON a command prints one object, a stream one object a line; each begins with "schema": 1.
-// Output that cannot be written is a Failure: a script must not take half an answer for a whole one.
+// Output that cannot be written is a Failure: a script must not take half an answer for a whole
+// one.
 #pragma once
 
 #include <string>

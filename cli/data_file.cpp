@@ -31,11 +31,21 @@ class Reader {
             case TokenKind::kComment:
                 if (!open_.empty()) open_.back().isBare = false;
                 break;
-            case TokenKind::kBegin: Begin(token); break;
-            case TokenKind::kEnd: End(token); break;
-            case TokenKind::kText: Text(token); break;
-            case TokenKind::kError: Mistake(token.at, token.text); break;
-            case TokenKind::kEndOfFile: EndOfFile(token.at); break;
+            case TokenKind::kBegin:
+                Begin(token);
+                break;
+            case TokenKind::kEnd:
+                End(token);
+                break;
+            case TokenKind::kText:
+                Text(token);
+                break;
+            case TokenKind::kError:
+                Mistake(token.at, token.text);
+                break;
+            case TokenKind::kEndOfFile:
+                EndOfFile(token.at);
+                break;
         }
     }
 

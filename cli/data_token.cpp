@@ -49,10 +49,15 @@ void TokenReader::SkipWhiteSpace() {
 // The slash of an end tag is no part of the token, the other marks are.
 TokenKind TokenReader::ReadMarker() {
     switch (content_[next_]) {
-        case '?': return TokenKind::kInstruction;
-        case '!': return TokenKind::kComment;
-        case '/': Skip(); return TokenKind::kEnd;
-        default: return TokenKind::kBegin;
+        case '?':
+            return TokenKind::kInstruction;
+        case '!':
+            return TokenKind::kComment;
+        case '/':
+            Skip();
+            return TokenKind::kEnd;
+        default:
+            return TokenKind::kBegin;
     }
 }
 

@@ -18,7 +18,7 @@ namespace oam {
 constexpr size_t kTokenSize = 2048;
 
 struct Position {
-    size_t line = 0;  // from 1; 0: the file as a whole
+    size_t line = 0;    // from 1; 0: the file as a whole
     size_t column = 0;  // in bytes, from 1
 };
 

@@ -37,10 +37,14 @@ bool steers(uint32_t value) {
 
 std::string escaped(uint32_t value) {
     switch (value) {
-        case '\n': return "\\n";
-        case '\r': return "\\r";
-        case '\t': return "\\t";
-        default: break;
+        case '\n':
+            return "\\n";
+        case '\r':
+            return "\\r";
+        case '\t':
+            return "\\t";
+        default:
+            break;
     }
     char text[16];
     std::snprintf(text, sizeof text, value < 0x80 ? "\\x%02x" : "\\u%04x", value);

@@ -17,8 +17,6 @@ std::string Shown(std::string_view text);
 size_t ShownWidth(std::string_view shown);
 
 // True for the characters that Shown escapes as control characters below U+0080.
-constexpr bool IsControl(char c) {
-    return static_cast<unsigned char>(c) < 0x20 || c == 0x7f;
-}
+constexpr bool IsControl(char c) { return static_cast<unsigned char>(c) < 0x20 || c == 0x7f; }
 
 }  // namespace oam

@@ -1,12 +1,12 @@
 // oam plugin list, shadow, text: what the service has loaded, published and named.
-#include <CLI/CLI.hpp>
 
+#include "arguments.h"
 #include "command.h"
 #include "console.h"
 #include "number.h"
+#include "oam/shadow.h"
 #include "object_kind.h"
 #include "opened_object.h"
-#include "oam/shadow.h"
 #include "session.h"
 
 namespace oam {
@@ -38,8 +38,8 @@ class PluginListCommand : public SessionCommand {
         }
         for (const std::string& name : plugins) {
             const auto products = elements(OpenedObject(name, OAM_OPEN_READ), "Products");
-            table.rows.push_back({name, KindText(ObjectKind::kPlugin),
-                                  Cell(products, joined(products))});
+            table.rows.push_back(
+                {name, KindText(ObjectKind::kPlugin), Cell(products, joined(products))});
         }
         for (const std::string& name : components)
             table.rows.push_back({name, KindText(ObjectKind::kComponent), Cell(nullptr, "")});
@@ -105,8 +105,8 @@ constexpr struct {
 
 class TextCommand : public Command {
   public:
-    void DeclareArguments(CLI::App& app) override {
-        app.add_option("CODE", given_, "A code, decimal or with 0x, or a code's name")->required();
+    void DeclareArguments(Arguments& arguments) override {
+        arguments.Required("CODE", &given_, "A code, decimal or with 0x, or a code's name");
     }
 
     ExitStatus Run(Context& context) override {
@@ -116,7 +116,8 @@ class TextCommand : public Command {
             if (context.console.IsJson())
                 context.console.ShowJson(
                     {{"code", row.code}, {"hex", HexText(row.code)}, {"name", row.name}});
-            else context.console.Say(isCode ? row.name : HexText(row.code));
+            else
+                context.console.Say(isCode ? row.name : HexText(row.code));
             return kDone;
         }
         throw Failure("the service has no code " + Quoted(given_),
@@ -130,8 +131,7 @@ class TextCommand : public Command {
 constexpr CommandRow kRows[] = {
     {"plugin", "list", "List the loaded plug-ins with their products, and the components",
      "oam plugin list", Make<PluginListCommand>},
-    {nullptr, "shadow", "Show the board table in shared memory", "oam shadow",
-     Make<ShadowCommand>},
+    {nullptr, "shadow", "Show the board table in shared memory", "oam shadow", Make<ShadowCommand>},
     {nullptr, "text", "Name a code, or number a name",
      "oam text 0x40000004\noam text OAMERR_NOT_FOUND", Make<TextCommand>},
 };

@@ -1,8 +1,8 @@
 // oam init: an installation's directories.
-#include <CLI/CLI.hpp>
 #include <cstdio>
 #include <cstring>
 
+#include "arguments.h"
 #include "command.h"
 #include "console.h"
 #include "directory_maker.h"
@@ -19,11 +19,9 @@ std::string octal(unsigned mode) {
 
 class InitCommand : public Command {
   public:
-    void DeclareArguments(CLI::App& app) override {
-        group_ = app.add_option("--group", plan_.group,
-                                "Directories that a group can write, too, and that belong to NAME")
-                     ->type_name("NAME")
-                     ->expected(0, 1);
+    void DeclareArguments(Arguments& arguments) override {
+        arguments.FlagWithText("--group", &group_, "[NAME]",
+                               "Directories that a group can write, too: the group NAME");
     }
 
     ExitStatus Run(Context& context) override {
@@ -33,11 +31,11 @@ class InitCommand : public Command {
                           "the service takes at most " +
                               std::to_string(kPathSize - 1 - std::strlen(kStartupLog)) +
                               " characters");
-        plan_.forGroup = group_->count() > 0;
+        const DirectoryPlan plan{group_.has_value(), group_.value_or("")};
         const auto made =
             MakeDirectories({place.Directory(), place.Path("/oam"), place.Path(kConfigDirectory),
                              place.Path(kLogDirectory), place.Path(kPluginDirectory)},
-                            plan_);
+                            plan);
         Table table{{{"path", "DIRECTORY"}, {"action", "DONE"}, {"mode", "MODE"}}, {}};
         for (const MadeDirectory& directory : made)
             table.rows.push_back({directory.path, directory.action, octal(directory.mode)});
@@ -46,8 +44,7 @@ class InitCommand : public Command {
     }
 
   private:
-    DirectoryPlan plan_;
-    CLI::Option* group_ = nullptr;
+    std::optional<std::string> group_;
 };
 
 constexpr CommandRow kRows[] = {

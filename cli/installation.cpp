@@ -51,8 +51,8 @@ void Installation::RequireReady(int access) const {
                               std::strerror(errno),
                           initCommand(Directory()) + ", or name another directory with --dir");
         if (!S_ISDIR(status.st_mode))
-            throw Failure(Quoted(path) + " is not a directory", "move it away, then " +
-                                                                    initCommand(Directory()));
+            throw Failure(Quoted(path) + " is not a directory",
+                          "move it away, then " + initCommand(Directory()));
         if (::access(path.c_str(), access) != 0)
             throw Failure("no access to " + Quoted(path) + ": " + std::strerror(errno),
                           "run as the directory's owner or group; `oam init` repairs the mode");

@@ -1,11 +1,10 @@
 // oam monitor: the service runs in the foreground, its alerts go to standard output.
-#include <CLI/CLI.hpp>
 #include <ctime>
 
+#include "arguments.h"
 #include "command.h"
 #include "console.h"
 #include "foreign_text.h"
-#include "number.h"
 #include "oam/entry.h"
 #include "session.h"
 
@@ -23,9 +22,12 @@ std::string timeText(std::chrono::system_clock::time_point time) {
 
 const char* severityText(unsigned severity) {
     switch (severity) {
-        case OAM_INFORMATION: return "info";
-        case OAM_WARNING: return "warning";
-        default: return "error";
+        case OAM_INFORMATION:
+            return "info";
+        case OAM_WARNING:
+            return "warning";
+        default:
+            return "error";
     }
 }
 
@@ -52,18 +54,17 @@ void print(Console& console, const Alert& alert) {
 
 class MonitorCommand : public SessionCommand {
   public:
-    void DeclareArguments(CLI::App& app) override {
-        count_ = AddNumber(app, "--count", &most_, {1, 0xffffffff}, "End after N alerts");
-        seconds_ = AddNumber(app, "--for", &duration_, {1, 100000000}, "End after N seconds");
+    void DeclareArguments(Arguments& arguments) override {
+        arguments.Number("--count", &count_, {1, 0xffffffff}, "End after N alerts");
+        arguments.Number("--for", &seconds_, {1, 100000000}, "End after N seconds");
     }
 
   protected:
     ExitStatus Work(Session& session, Console& console) override {
         session.Listen([](const Alert&) { return true; });
         AlertInbox::Deadline deadline;
-        if (seconds_->count())
-            deadline = std::chrono::steady_clock::now() + std::chrono::seconds(duration_);
-        for (unsigned seen = 0; count_->count() == 0 || seen < most_; ++seen) {
+        if (seconds_) deadline = std::chrono::steady_clock::now() + std::chrono::seconds(*seconds_);
+        for (unsigned seen = 0; !count_ || seen < *count_; ++seen) {
             const auto alert = session.Inbox().Wait(deadline, session.Interrupted());
             if (!alert) return session.Interrupted().IsRequested() ? kInterrupted : kDone;
             print(console, *alert);
@@ -74,10 +75,8 @@ class MonitorCommand : public SessionCommand {
     }
 
   private:
-    unsigned most_ = 0;
-    unsigned duration_ = 0;
-    CLI::Option* count_ = nullptr;
-    CLI::Option* seconds_ = nullptr;
+    std::optional<unsigned> count_;
+    std::optional<unsigned> seconds_;
 };
 
 constexpr CommandRow kRows[] = {

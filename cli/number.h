@@ -5,11 +5,6 @@
 #include <optional>
 #include <string_view>
 
-namespace CLI {
-class App;
-class Option;
-}  // namespace CLI
-
 namespace oam {
 
 struct NumberRange {
@@ -19,9 +14,5 @@ struct NumberRange {
 
 // Nothing for anything but one whole number of 32 bits.
 std::optional<unsigned> ParseNumber(std::string_view text);
-
-// An option whose value is checked against the range while the command line is read.
-CLI::Option* AddNumber(CLI::App& app, const char* name, unsigned* value, NumberRange range,
-                       const char* description);
 
 }  // namespace oam

@@ -18,10 +18,14 @@ std::string advice(unsigned code) {
         case OAMERR_ACCESS_DENIED:
             return "the keyword is unknown or read-only, or does not take this value; "
                    "`oam show --qualifiers` tells";
-        case OAMERR_ALREADY_EXISTS: return "another object has this name or number";
-        case OAMERR_FILE_WRITE_ERROR: return "look at the owner and the free space of oam/cfg";
-        case kBadName: return "a name is not empty, has no blank at its ends, and no '<', '>', '\\'";
-        default: return {};
+        case OAMERR_ALREADY_EXISTS:
+            return "another object has this name or number";
+        case OAMERR_FILE_WRITE_ERROR:
+            return "look at the owner and the free space of oam/cfg";
+        case kBadName:
+            return "a name is not empty, has no blank at its ends, and no '<', '>', '\\'";
+        default:
+            return {};
     }
 }
 
@@ -85,8 +89,10 @@ void ApplyChange(const std::string& name, const std::vector<Assignment>& assignm
             _oamSetKeyword(object.Handle(), change.keyword.c_str(), change.value.c_str());
         if (code) {
             takeBack(object, before);
-            throw Failure(code, "cannot set " + Quoted(change.keyword) + " of " + Quoted(name) +
-                                    ", nothing was changed", advice(code));
+            throw Failure(code,
+                          "cannot set " + Quoted(change.keyword) + " of " + Quoted(name) +
+                              ", nothing was changed",
+                          advice(code));
         }
         if (old[i].IsGiven()) before.push_back({change.keyword, old[i].text});
     }

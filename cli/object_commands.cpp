@@ -1,8 +1,8 @@
 // oam objects, show, get: reading the configuration.
-#include <CLI/CLI.hpp>
 #include <map>
 #include <set>
 
+#include "arguments.h"
 #include "command.h"
 #include "config_scan.h"
 #include "console.h"
@@ -21,8 +21,8 @@ class ObjectsCommand : public SessionCommand {
         Table table{{{"name", "NAME"}, {"kind", "KIND"}, {"file", "DATA FILE"}}, {}};
         for (const std::string& name : AskNames(_oamDbEnumObjects)) {
             const auto file = files.find(name);
-            table.rows.push_back({name, KindText(KindOf(name)),
-                                  file == files.end() ? Json() : Json(file->second)});
+            table.rows.push_back(
+                {name, KindText(KindOf(name)), file == files.end() ? Json() : Json(file->second)});
         }
         console.Show("objects", table);
         return kDone;
@@ -51,9 +51,9 @@ std::map<std::string, std::string, NameLess> qualifiersOf(const OpenedObject& ob
 
 class ShowCommand : public SessionCommand {
   public:
-    void DeclareArguments(CLI::App& app) override {
-        app.add_option("OBJECT", name_, "The object's name")->required();
-        app.add_flag("--qualifiers", qualifiers_, "Show what describes each keyword, too");
+    void DeclareArguments(Arguments& arguments) override {
+        arguments.Required("OBJECT", &name_, "The object's name");
+        arguments.Flag("--qualifiers", &qualifiers_, "Show what describes each keyword, too");
     }
 
   protected:
@@ -65,8 +65,10 @@ class ShowCommand : public SessionCommand {
         for (const std::string& keyword : AllKeywords(object)) {
             const Answer value = object.Keyword(keyword);
             Json members{{"keyword", keyword}};
-            if (value.IsGiven()) members["value"] = value.text;
-            else members["error"] = CodeText(value.code);
+            if (value.IsGiven())
+                members["value"] = value.text;
+            else
+                members["error"] = CodeText(value.code);
             table.rows.push_back(
                 {keyword, value.IsGiven() ? value.text : "(" + CodeText(value.code) + ")"});
             if (qualifiers_) {
@@ -77,8 +79,10 @@ class ShowCommand : public SessionCommand {
             }
             keywords.push_back(std::move(members));
         }
-        if (console.IsJson()) console.ShowJson({{"object", name_}, {"keywords", keywords}});
-        else console.Show("keywords", table);
+        if (console.IsJson())
+            console.ShowJson({{"object", name_}, {"keywords", keywords}});
+        else
+            console.Show("keywords", table);
         return kDone;
     }
 
@@ -89,12 +93,11 @@ class ShowCommand : public SessionCommand {
 
 class GetCommand : public SessionCommand {
   public:
-    void DeclareArguments(CLI::App& app) override {
-        app.add_option("OBJECT", name_, "The object's name")->required();
-        app.add_option("KEYWORD", keywords_, "The keywords to read")->required();
-        qualifier_ = app.add_option("--qualifier", qualifierName_,
-                                    "Read this qualifier of the keywords instead of their values")
-                         ->type_name("NAME");
+    void DeclareArguments(Arguments& arguments) override {
+        arguments.Required("OBJECT", &name_, "The object's name");
+        arguments.Required("KEYWORD", &keywords_, "The keywords to read");
+        arguments.Optional("--qualifier", &qualifier_,
+                           "Read this qualifier of the keywords instead of their values", "NAME");
     }
 
   protected:
@@ -103,26 +106,27 @@ class GetCommand : public SessionCommand {
         const OpenedObject object(name_, OAM_OPEN_READ);
         Table table{{{"keyword", "KEYWORD"}, {"value", "VALUE"}}, {}};
         for (const std::string& keyword : keywords_) {
-            const Answer answer = qualifier_->count() ? object.Qualifier(keyword, qualifierName_)
-                                                      : object.Keyword(keyword);
+            const Answer answer =
+                qualifier_ ? object.Qualifier(keyword, *qualifier_) : object.Keyword(keyword);
             if (!answer.IsGiven())
                 throw Failure(answer.code,
                               "cannot read " + Quoted(keyword) + " of " + Quoted(name_),
                               "`oam show` lists the object's keywords");
             table.rows.push_back({keyword, answer.text});
         }
-        if (table.rows.size() == 1 && !console.IsJson()) console.Value(table.rows[0][1].text);
+        if (table.rows.size() == 1 && !console.IsJson())
+            console.Value(table.rows[0][1].text);
         else if (console.IsJson())
             console.ShowJson({{"object", name_}, {"keywords", AsJson(table)}});
-        else console.Show("keywords", table);
+        else
+            console.Show("keywords", table);
         return kDone;
     }
 
   private:
     std::string name_;
     std::vector<std::string> keywords_;
-    CLI::Option* qualifier_ = nullptr;
-    std::string qualifierName_;
+    std::optional<std::string> qualifier_;
 };
 
 constexpr CommandRow kRows[] = {

@@ -15,20 +15,27 @@ ObjectKind KindOf(const std::string& name) {
 
 const char* KindText(ObjectKind kind) {
     switch (kind) {
-        case ObjectKind::kSupervisor: return "supervisor";
-        case ObjectKind::kPlugin: return "plug-in";
-        case ObjectKind::kComponent: return "component";
-        case ObjectKind::kBoard: break;
+        case ObjectKind::kSupervisor:
+            return "supervisor";
+        case ObjectKind::kPlugin:
+            return "plug-in";
+        case ObjectKind::kComponent:
+            return "component";
+        case ObjectKind::kBoard:
+            break;
     }
     return "board";
 }
 
 std::optional<std::string> DecidedDataFile(const std::string& name) {
     switch (KindOf(name)) {
-        case ObjectKind::kSupervisor: return "Super.xmo";
+        case ObjectKind::kSupervisor:
+            return "Super.xmo";
         case ObjectKind::kPlugin:
-        case ObjectKind::kComponent: return name.substr(0, name.find('.')) + ".xmo";
-        case ObjectKind::kBoard: break;
+        case ObjectKind::kComponent:
+            return name.substr(0, name.find('.')) + ".xmo";
+        case ObjectKind::kBoard:
+            break;
     }
     return std::nullopt;
 }

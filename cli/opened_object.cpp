@@ -10,10 +10,14 @@ constexpr unsigned long kClient = 1;
 
 std::string openAdvice(unsigned code) {
     switch (code) {
-        case OAMERR_NOT_FOUND: return "`oam objects` lists the objects";
-        case OAMERR_ACCESS_DENIED: return "another user of the service has it open; try again";
-        case OAMERR_FILE_READ_ERROR: return "`oam check` tells what is wrong with its data file";
-        default: return {};
+        case OAMERR_NOT_FOUND:
+            return "`oam objects` lists the objects";
+        case OAMERR_ACCESS_DENIED:
+            return "another user of the service has it open; try again";
+        case OAMERR_FILE_READ_ERROR:
+            return "`oam check` tells what is wrong with its data file";
+        default:
+            return {};
     }
 }
 

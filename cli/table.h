@@ -17,8 +17,9 @@ using Json = nlohmann::ordered_json;
 
 struct Cell {
     template <class T>
-        requires std::constructible_from<Json, T> && (!std::same_as<std::decay_t<T>, Cell>)
-    Cell(T&& given) : Cell(Json(std::forward<T>(given)), std::string()) {
+    requires std::constructible_from<Json, T> &&
+        (!std::same_as<std::decay_t<T>, Cell>)Cell(T&& given)
+        : Cell(Json(std::forward<T>(given)), std::string()) {
         text = TextOf(value);
     }
     Cell(Json given, std::string shown) : value(std::move(given)), text(std::move(shown)) {}
@@ -30,9 +31,9 @@ struct Cell {
 };
 
 struct Column {
-    const char* key;    // the member's name in JSON
-    const char* title;  // the heading for people
-    bool right = false; // numbers stand right
+    const char* key;     // the member's name in JSON
+    const char* title;   // the heading for people
+    bool right = false;  // numbers stand right
 };
 
 struct Table {

@@ -36,7 +36,8 @@ template <class Ask>
 std::vector<std::string> AskNames(Ask ask) {
     std::vector<std::string> names;
     for (int index = 0;; ++index) {
-        Answer name = AskText([&](char* buffer, unsigned size) { return ask(index, buffer, size); });
+        Answer name =
+            AskText([&](char* buffer, unsigned size) { return ask(index, buffer, size); });
         if (!name.IsGiven()) return names;
         names.push_back(std::move(name.text));
     }

@@ -14,7 +14,8 @@ struct TransferFile {
     size_t objects = 0;
 };
 
-// Reads and judges it. `served` as for CheckObjects. A file that cannot be read at all is a Failure.
+// Reads and judges it. `served` as for CheckObjects. A file that cannot be read at all is a
+// Failure.
 TransferFile JudgeTransferFile(const std::string& path, const IsServed& served);
 
 }  // namespace oam

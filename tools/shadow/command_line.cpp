@@ -8,7 +8,7 @@
 #include "board_output.h"
 #include "console.h"
 #include "failure.h"
-#include "number.h"
+#include "number_option.h"
 #include "shadow_reader.h"
 #include "watch_loop.h"
 
@@ -19,11 +19,9 @@ constexpr unsigned kUsualInterval = 1000;
 constexpr unsigned kLongestInterval = 3600000;
 
 constexpr const char* kSummary =
-    "Looks at the board shadow: the copy of the server's board table in shared memory. It needs "
-    "no\n"
-    "running server; the shadow keeps what the last one published. It holds the first 31 boards "
-    "in\n"
-    "name order.";
+    "Looks at the board shadow: the copy of the server's board table in shared memory. It needs\n"
+    "no running server; the shadow keeps what the last one published. It holds the first 31\n"
+    "boards in name order.";
 
 constexpr const char* kFooter =
     "\nExit status: 0 done, 1 not found or unreadable, 2 wrong use."
@@ -39,6 +37,10 @@ struct Wanted {
     std::string driverName;
     std::string boardId;
 };
+
+std::function<void(unsigned)> storeIn(unsigned* place) {
+    return [place](unsigned number) { *place = number; };
+}
 
 class Program {
   public:
@@ -74,7 +76,7 @@ class Program {
         auto* const lookup = app_.add_subcommand("lookup", "One board, by one of its identities");
         auto* const name = lookup->add_option("--name", wanted_.name, "The board's name");
         auto* const number =
-            AddNumber(*lookup, "--number", &wanted_.number, {}, "The board's number");
+            AddNumber(*lookup, "--number", storeIn(&wanted_.number), {}, "The board's number");
         auto* const driver =
             lookup->add_option("--driver", wanted_.driverName, "The driver's name");
         auto* const boardId = lookup->add_option("--board-id", wanted_.boardId,
@@ -93,9 +95,9 @@ class Program {
 
     void AddWatch() {
         auto* const watch = app_.add_subcommand("watch", "Print what changes in the shadow");
-        AddNumber(*watch, "--interval", &interval_, {1, kLongestInterval},
+        AddNumber(*watch, "--interval", storeIn(&interval_), {1, kLongestInterval},
                   "Milliseconds between two looks (default: 1000)");
-        AddNumber(*watch, "--count", &count_, {1, 0xffffffff}, "End after N differences");
+        AddNumber(*watch, "--count", storeIn(&count_), {1, 0xffffffff}, "End after N differences");
         watch->callback([this] { Watch(); });
     }
 

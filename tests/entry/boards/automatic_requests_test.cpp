@@ -57,8 +57,7 @@ TEST_F(AutomaticRequest, HoldsForANamedBoardToo) {
     EXPECT_THAT(alerts.Heard(), IsEmpty());
     EXPECT_EQ(_oamStartBoard("Marked", kAutomaticNow), OAM_SUCCESS);
     EXPECT_EQ(_oamStopBoard("Marked", kAutomaticNow), OAM_SUCCESS);
-    EXPECT_THAT(Asked(),
-                ElementsAre("rec.bpi StartBoard(Marked)", "rec.bpi StopBoard(Marked)"));
+    EXPECT_THAT(Asked(), ElementsAre("rec.bpi StartBoard(Marked)", "rec.bpi StopBoard(Marked)"));
 }
 
 TEST_F(AutomaticRequest, DoesNothingWhileTheSupervisorSaysNo) {
@@ -90,8 +89,7 @@ TEST_F(AutomaticRequest, FollowsTheBoardsMarks) {
     recorder.Clear();
     EXPECT_EQ(_oamStartBoard(nullptr, kAutomaticNow), OAM_SUCCESS);
     EXPECT_EQ(_oamStopBoard(nullptr, kAutomaticNow), OAM_SUCCESS);
-    EXPECT_THAT(Asked(),
-                ElementsAre("rec.bpi StartBoard(Unmarked)", "rec.bpi StopBoard(Marked)"));
+    EXPECT_THAT(Asked(), ElementsAre("rec.bpi StartBoard(Unmarked)", "rec.bpi StopBoard(Marked)"));
 }
 
 TEST_F(AutomaticRequest, IsNoPartOfAnOrdinaryRequest) {
@@ -124,10 +122,9 @@ TEST_F(AutomaticRequest, OfAStopIsRefusedAloudByABusyUnmarkedBoard) {
     Latch latch;
     HoldBack(kTest, "Unmarked", latch);
     EXPECT_EQ(_oamStopBoard("Unmarked", kAutomaticNow), OAM_SUCCESS);
-    EXPECT_THAT(alerts.Heard(),
-                ElementsAre(Said{kStop.done, 2, "Unmarked",
-                                 "Board is currently being tested. Wait for the "
-                                 "OAMEVN_TESTBOARD_DONE before stopping it"}));
+    EXPECT_THAT(alerts.Heard(), ElementsAre(Said{kStop.done, 2, "Unmarked",
+                                                 "Board is currently being tested. Wait for the "
+                                                 "OAMEVN_TESTBOARD_DONE before stopping it"}));
     LetGo(kTest, "Unmarked", latch);
 }
 

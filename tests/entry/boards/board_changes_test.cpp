@@ -1,8 +1,6 @@
 // Changing a board's keywords: what is checked when the change is committed, and what the table,
 // the clients and the data file then hold.
-#include "boards.h"
-#include "elsewhere.h"
-#include "queries.h"
+#include "board_change.h"
 
 namespace oam::test {
 
@@ -11,20 +9,7 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
-class BoardChanges : public BoardTest {
-  protected:
-    void SetUp() override {
-        BoardTest::SetUp();
-        for (const char* board : {"Bravo", "Delta", "Foxtrot"}) Configure(board);
-        StartQuietly();
-    }
-    // The commit keeps the table to itself; afterwards everybody gets at it again.
-    void ExpectTableFree() {
-        Elsewhere<Numbers> query([] { return NumberOf("Delta"); });
-        ASSERT_TRUE(query.IsDone());
-        EXPECT_EQ(query.Get().code, OAM_SUCCESS);
-    }
-};
+using BoardChanges = BoardChangeTest;
 
 TEST_F(BoardChanges, ReachTheTable) {
     const unsigned long handle = DbOpen("Delta", kProvider);
@@ -118,76 +103,6 @@ TEST_F(BoardChanges, TravelThroughThePluginIntoTheDataFile) {
     EXPECT_THAT(alerts.Heard(), ElementsAre(Said{OAMEVN_MODIFIED, 0, "Delta", ""}));
 }
 
-TEST_F(BoardChanges, OfANameAreToldAsRenamedThenModified) {
-    EXPECT_EQ(Change("Delta", "Name", "Zulu"), OAM_SUCCESS);
-    EXPECT_THAT(alerts.Heard(), ElementsAre(Said{OAMEVN_RENAMED, 0, "Zulu", "Delta"},
-                                            Said{OAMEVN_MODIFIED, 0, "Zulu", ""}));
-    EXPECT_EQ(NumberOf("Zulu"), Are(1));
-    EXPECT_EQ(NumberOf("Delta"), NoNumbers(OAMERR_NOT_FOUND));
-    EXPECT_EQ(home.ReadDataFile("Obj1.xmo").find("<Delta>"), std::string::npos);
-}
-
-TEST_F(BoardChanges, OfANameKeepTheTableSorted) {
-    const struct {
-        const char* from;
-        const char* to;
-        std::vector<std::string> sorted;
-    } renames[] = {
-        {"Delta", "Echo", {"Bravo", "Echo", "Foxtrot"}},
-        {"Echo", "Charlie", {"Bravo", "Charlie", "Foxtrot"}},
-        {"Charlie", "alpha", {"alpha", "Bravo", "Foxtrot"}},
-        {"alpha", "golf", {"Bravo", "Foxtrot", "golf"}},
-        {"golf", "Cargo", {"Bravo", "Cargo", "Foxtrot"}},
-        {"Bravo", "Zulu", {"Cargo", "Foxtrot", "Zulu"}},
-        {"Zulu", "Delta", {"Cargo", "Delta", "Foxtrot"}},
-        {"Cargo", "Elder", {"Delta", "Elder", "Foxtrot"}},
-        {"Foxtrot", "Dog", {"Delta", "Dog", "Elder"}},
-    };
-    for (const auto& rename : renames) {
-        ASSERT_EQ(Change(rename.from, "Name", rename.to), OAM_SUCCESS) << rename.from;
-        EXPECT_EQ(BoardNames(), rename.sorted);
-        for (const std::string& board : rename.sorted) {
-            EXPECT_EQ(NumberOf(board).code, OAM_SUCCESS) << board << " after " << rename.to;
-        }
-        EXPECT_EQ(NumberOf(rename.from), NoNumbers(OAMERR_NOT_FOUND));
-    }
-}
-
-TEST_F(BoardChanges, OfANamesCaseAreARenameOfTheSameBoard) {
-    EXPECT_EQ(Change("Delta", "Name", "DELTA"), OAM_SUCCESS);
-    EXPECT_THAT(BoardNames(), ElementsAre("Bravo", "DELTA", "Foxtrot"));
-    EXPECT_EQ(NumberOf("delta"), Are(1));
-    EXPECT_THAT(alerts.Heard(OAMEVN_RENAMED),
-                ElementsAre(Said{OAMEVN_RENAMED, 0, "DELTA", "Delta"}));
-}
-
-TEST_F(BoardChanges, ToTheSameNameAreNoRename) {
-    EXPECT_EQ(Change("Delta", "Name", "Delta"), OAM_SUCCESS);
-    EXPECT_THAT(alerts.Heard(), ElementsAre(Said{OAMEVN_MODIFIED, 0, "Delta", ""}));
-}
-
-TEST_F(BoardChanges, ToAnotherBoardsNameAreRefusedInAnyCase) {
-    for (const char* taken : {"Bravo", "bRAVO"}) {
-        EXPECT_EQ(Change("Delta", "Name", taken), OAMERR_ALREADY_EXISTS);
-        EXPECT_THAT(BoardNames(), ElementsAre("Bravo", "Delta", "Foxtrot"));
-    }
-    ExpectTableFree();
-}
-
-TEST_F(BoardChanges, ToANameTakenMeanwhileAreRefusedAtTheClosing) {
-    const unsigned long handle = Open("Delta", kWrite);
-    EXPECT_EQ(_oamSetKeyword(handle, "Name", "Wanted"), OAM_SUCCESS);
-    EXPECT_EQ(_oamSetKeyword(handle, "Number", "9"), OAM_SUCCESS);
-    EXPECT_EQ(Change("Bravo", "Name", "wanted"), OAM_SUCCESS);
-    alerts.Clear();
-    EXPECT_EQ(_oamCloseObject(handle), OAMERR_ALREADY_EXISTS);
-    EXPECT_THAT(BoardNames(), ElementsAre("Delta", "Foxtrot", "wanted"));
-    EXPECT_EQ(NumberOf("Delta"), Are(1));
-    EXPECT_EQ(StoredKeywordOf("Delta", "Number"), Is("1"));
-    EXPECT_THAT(alerts.Heard(), IsEmpty());
-    ExpectTableFree();
-}
-
 TEST_F(BoardChanges, ToANumberTakenMeanwhileAreRefusedAtTheClosing) {
     const unsigned long handle = Open("Delta", kWrite);
     EXPECT_EQ(_oamSetKeyword(handle, "Number", "9"), OAM_SUCCESS);
@@ -258,15 +173,6 @@ TEST_F(BoardChanges, NeedANumberThatCanBeRead) {
     ExpectTableFree();
 }
 
-TEST_F(BoardChanges, NeedAName) {
-    const unsigned long handle = DbOpen("Delta", kProvider);
-    EXPECT_EQ(_oamDbRemoveKeyword(handle, "Name"), OAM_SUCCESS);
-    EXPECT_EQ(_oamDbSetKeyword(handle, "Number", "9"), OAM_SUCCESS);
-    EXPECT_EQ(_oamDbCloseObject(handle), OAMERR_NOT_FOUND);
-    EXPECT_EQ(NumberOf("Delta"), Are(1));
-    ExpectTableFree();
-}
-
 TEST_F(BoardChanges, KeptPluginOfABoardThatChangesItsProduct) {
     EXPECT_EQ(_oamExit(), OAM_SUCCESS);
     AddPluginFor("other.bpi", {"Other"});
@@ -308,23 +214,6 @@ TEST_F(BoardChanges, ThatCannotBeSavedAreNotApplied) {
     EXPECT_EQ(_oamDbCloseObject(handle), OAMERR_FILE_WRITE_ERROR);
     EXPECT_EQ(NumberOf("Delta"), Are(1));
     ExpectTableFree();
-}
-
-TEST_F(BoardChanges, ByManyThreadsAreOneAfterAnother) {
-    std::vector<Elsewhere<int>> threads;
-    for (const char* board : {"Bravo", "Delta", "Foxtrot"}) {
-        threads.emplace_back([name = std::string(board)] {
-            for (int i = 0; i < 30; ++i) {
-                const std::string next = name + " " + std::to_string(i % 7);
-                const std::string last = i == 0 ? name : name + " " + std::to_string((i - 1) % 7);
-                EXPECT_EQ(Change(last, "Name", next), OAM_SUCCESS);
-                EXPECT_EQ(NumberOf(next).code, OAM_SUCCESS);
-            }
-            return 0;
-        });
-    }
-    for (auto& thread : threads) ASSERT_TRUE(thread.IsDone());
-    EXPECT_THAT(BoardNames(), ElementsAre("Bravo 1", "Delta 1", "Foxtrot 1"));
 }
 
 }  // namespace

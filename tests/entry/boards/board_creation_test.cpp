@@ -48,9 +48,8 @@ class BoardCreation : public BoardTest {
 TEST_F(BoardCreation, AsksThePluginThenStoresTheNumberThroughIt) {
     EXPECT_EQ(Create(), OAM_SUCCESS);
     EXPECT_EQ(Created(), "Card 0");
-    EXPECT_THAT(Asked(),
-                ElementsAre("rec.bpi CreateBoard(Card 0, Card)", "rec.bpi OpenObject(1)",
-                            "rec.bpi SetKeyword(Number, 0)", "rec.bpi CloseObject()"));
+    EXPECT_THAT(Asked(), ElementsAre("rec.bpi CreateBoard(Card 0, Card)", "rec.bpi OpenObject(1)",
+                                     "rec.bpi SetKeyword(Number, 0)", "rec.bpi CloseObject()"));
 }
 
 TEST_F(BoardCreation, RaisesCreatedAndNothingElse) {
@@ -80,12 +79,9 @@ TEST_F(BoardCreation, WritesTheBoardsKeywords) {
 
 TEST_F(BoardCreation, LeavesWhatThePluginStoredAloneButForTheNumber) {
     Script([](ModuleScript& script) {
-        script.boardKeywords = {{"Driver.Name", "drv"},
-                                {"Driver.BoardId", "7"},
-                                {"Location.PCI.Slot", "12"},
-                                {"AutoStart", "Yes"},
-                                {"Own.Keyword", "own"},
-                                {"Number", "99"}};
+        script.boardKeywords = {{"Driver.Name", "drv"},      {"Driver.BoardId", "7"},
+                                {"Location.PCI.Slot", "12"}, {"AutoStart", "Yes"},
+                                {"Own.Keyword", "own"},      {"Number", "99"}};
     });
     EXPECT_EQ(Create(), OAM_SUCCESS);
     EXPECT_EQ(StoredKeywordOf("Card 0", "Driver.Name"), Is("drv"));
@@ -152,10 +148,9 @@ TEST_F(BoardCreation, IsUndoneWhenThePluginRefusesTheNumber) {
         script.setKeyword = [](unsigned long, const char*, const char*) { return 0x72u; };
     });
     EXPECT_EQ(Create(), 0x72u);
-    EXPECT_THAT(Asked(),
-                ElementsAre("rec.bpi CreateBoard(Card 0, Card)", "rec.bpi OpenObject(1)",
-                            "rec.bpi SetKeyword(Number, 0)", "rec.bpi CloseObject()",
-                            "rec.bpi DestroyBoard(Card 0)"));
+    EXPECT_THAT(Asked(), ElementsAre("rec.bpi CreateBoard(Card 0, Card)", "rec.bpi OpenObject(1)",
+                                     "rec.bpi SetKeyword(Number, 0)", "rec.bpi CloseObject()",
+                                     "rec.bpi DestroyBoard(Card 0)"));
     EXPECT_THAT(BoardNames(), IsEmpty());
     EXPECT_THAT(Objects(), ElementsAre("rec.bpi", "Supervisor"));
     EXPECT_FALSE(home.Exists("oam/cfg/Obj0.xmo"));
@@ -166,9 +161,8 @@ TEST_F(BoardCreation, IsUndoneWhenThePluginRefusesTheOpening) {
         script.openObject = [](unsigned long, unsigned) { return 0x73u; };
     });
     EXPECT_EQ(Create(), 0x73u);
-    EXPECT_THAT(Asked(),
-                ElementsAre("rec.bpi CreateBoard(Card 0, Card)", "rec.bpi OpenObject(1)",
-                            "rec.bpi DestroyBoard(Card 0)"));
+    EXPECT_THAT(Asked(), ElementsAre("rec.bpi CreateBoard(Card 0, Card)", "rec.bpi OpenObject(1)",
+                                     "rec.bpi DestroyBoard(Card 0)"));
     EXPECT_THAT(BoardNames(), IsEmpty());
 }
 
@@ -288,7 +282,7 @@ TEST_F(CreationLock, IsFreeAfterTheSecondWriteWasRefused) {
     ASSERT_TRUE(other.IsDone());
 }
 
-// Ten retries, a second apart: the object stays open under the plug-in's own handle.
+// The object stays open under the plug-in's own handle, so the service cannot open it to write.
 TEST_F(CreationLock, KeptWhenThePluginKeepsTheObjectOpen) {
     unsigned long held = 0;
     Refuse([&held](ModuleScript& script) {

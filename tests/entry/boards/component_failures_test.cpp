@@ -72,9 +72,8 @@ TEST_F(ComponentFailures, StopTheStartWhenInitThrows) {
 
 TEST_F(ComponentFailures, EndTheComponentsThatWereInitialisedBefore) {
     AddTwo();
-    recorder.Script(second_, [](ModuleScript& script) {
-        script.init = [](const char*) { return 0x77u; };
-    });
+    recorder.Script(second_,
+                    [](ModuleScript& script) { script.init = [](const char*) { return 0x77u; }; });
     EXPECT_EQ(_oamInit(), 0x77u);
     EXPECT_THAT(recorder.Lines({"Init"}),
                 ElementsAre(first_ + " Init(" + first_ + ")", second_ + " Init(" + second_ + ")"));
@@ -85,9 +84,8 @@ TEST_F(ComponentFailures, EndTheComponentsThatWereInitialisedBefore) {
 
 TEST_F(ComponentFailures, LeaveTheComponentsThatWouldFollowAlone) {
     AddTwo();
-    recorder.Script(first_, [](ModuleScript& script) {
-        script.init = [](const char*) { return 0x77u; };
-    });
+    recorder.Script(first_,
+                    [](ModuleScript& script) { script.init = [](const char*) { return 0x77u; }; });
     EXPECT_EQ(_oamInit(), 0x77u);
     EXPECT_THAT(recorder.Lines(),
                 ElementsAre(first_ + " Init(" + first_ + ")", first_ + " Exit()"));
@@ -159,8 +157,8 @@ TEST_F(ComponentPaths, MustLeaveRoomForTheObjectsDataFile) {
     Add(100, file);
     EXPECT_EQ(_oamInit(), OAMERR_NOT_ENOUGH_MEMORY);
     const std::string deleted = LogLine(file, 'I', "");  // the object, which is taken back
-    EXPECT_EQ(Stage(), LoadingLine("Emc", path_) + deleted +
-                           FailedLine("Emc", OAMERR_NOT_ENOUGH_MEMORY));
+    EXPECT_EQ(Stage(),
+              LoadingLine("Emc", path_) + deleted + FailedLine("Emc", OAMERR_NOT_ENOUGH_MEMORY));
     EXPECT_EQ(recorder.Count("Init"), 0u);
     EXPECT_EQ(recorder.Count("Exit"), 1u);
 }
@@ -185,8 +183,7 @@ TEST_P(ComponentEntry, IsBoundAfterExitWhichIsThenCalled) {
 
 INSTANTIATE_TEST_SUITE_P(Of9, ComponentEntry,
                          testing::Values("Init", "Exit", "GetText", "AlertReceive", "OpenObject",
-                                         "CloseObject", "SetKeyword", "GetKeyword",
-                                         "GetQualifier"),
+                                         "CloseObject", "SetKeyword", "GetKeyword", "GetQualifier"),
                          [](const auto& row) { return std::string(row.param); });
 
 }  // namespace

@@ -84,8 +84,8 @@ TEST_F(ComponentFiles, AreInitialisedInTheDirectorysOrderAndEndedInThatOfTheirNa
     EXPECT_EQ(StageOfComponents(), lines);
     recorder.Clear();
     EXPECT_EQ(_oamExit(), OAM_SUCCESS);
-    EXPECT_THAT(recorder.Lines({"Init", "Exit"}), ElementsAre("a.EMC Exit()", "B.emc Exit()",
-                                                              "C.EMC Exit()", "d.emc Exit()"));
+    EXPECT_THAT(recorder.Lines({"Init", "Exit"}),
+                ElementsAre("a.EMC Exit()", "B.emc Exit()", "C.EMC Exit()", "d.emc Exit()"));
 }
 
 TEST_F(ComponentFiles, MayBeMoreThanOneGrowthStep) {
@@ -145,8 +145,7 @@ TEST_F(ComponentFiles, ComeBeforeThePluginsAndEndAfterThem) {
     AddComponent("z.emc");
     AddPlugin("a.bpi");
     Start();
-    EXPECT_THAT(recorder.Lines({"Init"}),
-                ElementsAre("z.emc Init(z.emc)", "a.bpi Init(a.bpi)"));
+    EXPECT_THAT(recorder.Lines({"Init"}), ElementsAre("z.emc Init(z.emc)", "a.bpi Init(a.bpi)"));
     recorder.Clear();
     EXPECT_EQ(_oamExit(), OAM_SUCCESS);
     EXPECT_THAT(recorder.Lines({"Exit"}), ElementsAre("a.bpi Exit()", "z.emc Exit()"));

@@ -33,11 +33,11 @@ TEST_F(ComponentObject, IsOpenedReadChangedAndClosedThroughItsComponent) {
     EXPECT_EQ(_oamGetQualifier(handle, "Name", "Type", buffer, sizeof buffer), OAM_SUCCESS);
     EXPECT_STREQ(buffer, "Object");
     EXPECT_EQ(_oamCloseObject(handle), OAM_SUCCESS);
-    EXPECT_THAT(recorder.Lines({"OpenObject", "CloseObject", "GetKeyword", "SetKeyword",
-                                "GetQualifier"}),
-                ElementsAre("rec.emc OpenObject(1)", "rec.emc GetKeyword(Name, 33)",
-                            "rec.emc SetKeyword(Any, value)",
-                            "rec.emc GetQualifier(Name, Type, 33)", "rec.emc CloseObject()"));
+    EXPECT_THAT(
+        recorder.Lines({"OpenObject", "CloseObject", "GetKeyword", "SetKeyword", "GetQualifier"}),
+        ElementsAre("rec.emc OpenObject(1)", "rec.emc GetKeyword(Name, 33)",
+                    "rec.emc SetKeyword(Any, value)", "rec.emc GetQualifier(Name, Type, 33)",
+                    "rec.emc CloseObject()"));
     for (const auto& call : recorder.Calls()) {
         if (call.entry != "AlertReceive") {
             EXPECT_EQ(call.handle, handle) << call.entry;
@@ -121,8 +121,8 @@ TEST_F(ComponentAlerts, BeginWhenEveryComponentIsInitialised) {
     for (const char* file : {"b.emc", "a.emc"}) AddComponent(file);
     Start();
     const std::string stars(33, '*');
-    const std::string banner = stars + "\n            Initializing Plug-in Components\n            " +
-                               stars;
+    const std::string banner =
+        stars + "\n            Initializing Plug-in Components\n            " + stars;
     const std::string done = "\t\t\t\t\tDONE";
     EXPECT_THAT(recorder.Lines({"AlertReceive"}),
                 ElementsAre(Line("a.emc", "DllMain", done), Line("b.emc", "DllMain", done),

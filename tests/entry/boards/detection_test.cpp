@@ -116,8 +116,9 @@ TEST_F(Detection, ReplacesWhatWasFoundBefore) {
     AddDetecting("rec.bpi", {{"B1", "P", "1", "1"}, {"B2", "P", "2", "2"}});
     Start();
     DetectQuietly();
-    recorder.Script("rec.bpi",
-                    [](ModuleScript& script) { script.detected = {{"B3", "P", "3", "3"}}; });
+    recorder.Script("rec.bpi", [](ModuleScript& script) {
+        script.detected = {{"B3", "P", "3", "3"}};
+    });
     DetectQuietly();
     EXPECT_THAT(Found(), ElementsAre("B3/P/3/3"));
     recorder.Script("rec.bpi", [](ModuleScript& script) { script.detected.clear(); });
@@ -176,8 +177,10 @@ TEST_F(Detection, KeptProductOfTheBoardBeforeWhenItCannotBeRead) {
     Start();
     recorder.Script("rec.bpi", [](ModuleScript& script) {
         const std::map<std::string, std::string> known = {
-            {"DetectedBoards.Count", "2"},           {"DetectedBoards[0].Name", "B1"},
-            {"DetectedBoards[0].Product", "First"},  {"DetectedBoards[1].Name", "B2"},
+            {"DetectedBoards.Count", "2"},
+            {"DetectedBoards[0].Name", "B1"},
+            {"DetectedBoards[0].Product", "First"},
+            {"DetectedBoards[1].Name", "B2"},
             {"DetectedBoards[0].Location.PCI.Bus", "1"},
             {"DetectedBoards[0].Location.PCI.Slot", "1"},
             {"DetectedBoards[1].Location.PCI.Bus", "2"},

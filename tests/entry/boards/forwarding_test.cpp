@@ -36,10 +36,10 @@ TEST_P(Forwarding, PassesOpeningAndClosingWithTheHandle) {
     EXPECT_EQ(_oamCloseObject_WOAN(reading), OAM_SUCCESS);
     const unsigned long writing = Open(Object(), kWrite);
     EXPECT_EQ(_oamCloseObject(writing), OAM_SUCCESS);
-    EXPECT_THAT(recorder.Lines({"OpenObject", "CloseObject"}),
-                ElementsAre("rec.bpi OpenObject(0)", "rec.bpi OpenObject(2)",
-                            "rec.bpi CloseObject()", "rec.bpi CloseObject()",
-                            "rec.bpi OpenObject(1)", "rec.bpi CloseObject()"));
+    EXPECT_THAT(
+        recorder.Lines({"OpenObject", "CloseObject"}),
+        ElementsAre("rec.bpi OpenObject(0)", "rec.bpi OpenObject(2)", "rec.bpi CloseObject()",
+                    "rec.bpi CloseObject()", "rec.bpi OpenObject(1)", "rec.bpi CloseObject()"));
     const auto opened = recorder.Calls("OpenObject");
     const auto closed = recorder.Calls("CloseObject");
     EXPECT_EQ(opened[0].handle, reading);
@@ -136,9 +136,7 @@ TEST_P(Forwarding, DropsTheChangesWhenThePluginRefusesTheClosing) {
     EXPECT_EQ(DbChange(Object(), "Remark", "old"), OAM_SUCCESS);
     const unsigned long handle = Open(Object(), kWrite);
     EXPECT_EQ(_oamSetKeyword(handle, "Remark", "new"), OAM_SUCCESS);
-    Script([](ModuleScript& script) {
-        script.closeObject = [](unsigned long) { return 0xB5u; };
-    });
+    Script([](ModuleScript& script) { script.closeObject = [](unsigned long) { return 0xB5u; }; });
     alerts.Clear();
     EXPECT_EQ(_oamCloseObject(handle), 0xB5u);
     EXPECT_THAT(alerts.Heard(), IsEmpty());
@@ -171,9 +169,9 @@ TEST_P(Forwarding, IsLeftOutByTheDatabasesOwnAccess) {
     EXPECT_EQ(_oamDbSetKeyword(handle, "Remark", "text"), OAM_SUCCESS);
     EXPECT_EQ(_oamDbSetQualifier(handle, "Remark", "Type", "Integer"), OAM_SUCCESS);
     EXPECT_EQ(_oamDbCloseObject(handle), OAM_SUCCESS);
-    EXPECT_THAT(recorder.Lines({"OpenObject", "CloseObject", "GetKeyword", "SetKeyword",
-                                "GetQualifier"}),
-                IsEmpty());
+    EXPECT_THAT(
+        recorder.Lines({"OpenObject", "CloseObject", "GetKeyword", "SetKeyword", "GetQualifier"}),
+        IsEmpty());
 }
 
 INSTANTIATE_TEST_SUITE_P(Each, Forwarding, testing::Values("Board A", kPlugin),

@@ -1,7 +1,6 @@
 #include "operations.h"
 
 #include <algorithm>
-#include <thread>
 
 #include "elsewhere.h"
 
@@ -53,8 +52,8 @@ void OperationTest::LetGo(const Operation& operation, const std::string& board, 
     latch.Open();
     EXPECT_TRUE(alerts.WaitFor([&](const std::vector<Alert>& all) {
         return std::any_of(all.begin(), all.end(), [&](const Alert& alert) {
-            return alert.client == kServer && alert.code == operation.done &&
-                   alert.severity == 0 && alert.source == board;
+            return alert.client == kServer && alert.code == operation.done && alert.severity == 0 &&
+                   alert.source == board;
         });
     })) << operation.name;
 }
@@ -77,6 +76,23 @@ std::vector<Said> OperationTest::Outcomes(const Operation& operation,
     std::vector<Said> outcomes = alerts.Heard(operation.done);
     std::erase_if(outcomes, [&board](const Said& said) { return said.source != board; });
     return outcomes;
+}
+
+void AllBoardsTest::SetUp() {
+    OperationTest::SetUp();
+    for (const char* board : {"charlie", "Alpha", "Bravo"}) Configure(board);
+}
+
+std::vector<std::string> AllBoardsTest::Reached(const Operation& operation) const {
+    std::vector<std::string> boards;
+    for (const auto& call : recorder.Calls(operation.entry)) boards.push_back(call.arguments.at(0));
+    return boards;
+}
+
+std::set<std::thread::id> AllBoardsTest::ThreadsOf(const Operation& operation) const {
+    std::set<std::thread::id> threads;
+    for (const auto& call : recorder.Calls(operation.entry)) threads.insert(call.thread);
+    return threads;
 }
 
 }  // namespace oam::test

@@ -4,17 +4,20 @@
 
 #include <functional>
 #include <ostream>
+#include <set>
 #include <string>
+#include <thread>
+#include <vector>
 
 #include "boards.h"
 
 namespace oam::test {
 
 struct Operation {
-    const char* name;                                  // "Start"
-    const char* entry;                                 // the plug-in's entry
+    const char* name;   // "Start"
+    const char* entry;  // the plug-in's entry
     oam_result (*request)(const char* board, unsigned argument);
-    unsigned done;                                     // event code of the outcome
+    unsigned done;  // event code of the outcome
     const char* succeeded;
     const char* failed;
     const char* noThread;
@@ -46,6 +49,15 @@ class OperationTest : public BoardTest {
     bool WaitUntilIdle(const std::string& board);
     // The outcomes that were told for a board so far.
     std::vector<Said> Outcomes(const Operation& operation, const std::string& board) const;
+};
+
+// Three boards, in the order of the table: "Alpha", "Bravo", "charlie".
+class AllBoardsTest : public OperationTest {
+  protected:
+    void SetUp() override;
+    // The boards that the plug-in was asked to operate on, in order, and the threads it was on.
+    std::vector<std::string> Reached(const Operation& operation) const;
+    std::set<std::thread::id> ThreadsOf(const Operation& operation) const;
 };
 
 }  // namespace oam::test

@@ -27,10 +27,9 @@ TEST_F(PluginAlerts, ReachEveryPluginInTheOrderOfTheirNames) {
     Start();
     recorder.Clear();
     EXPECT_EQ(Raise(OAMEVN_BOARD_DEAD, 2, "Board 1", "dead"), OAM_SUCCESS);
-    EXPECT_THAT(recorder.Lines(),
-                ElementsAre(Line("a.bpi", OAMEVN_BOARD_DEAD, "Board 1", "dead"),
-                            Line("B.bpi", OAMEVN_BOARD_DEAD, "Board 1", "dead"),
-                            Line("c.bpi", OAMEVN_BOARD_DEAD, "Board 1", "dead")));
+    EXPECT_THAT(recorder.Lines(), ElementsAre(Line("a.bpi", OAMEVN_BOARD_DEAD, "Board 1", "dead"),
+                                              Line("B.bpi", OAMEVN_BOARD_DEAD, "Board 1", "dead"),
+                                              Line("c.bpi", OAMEVN_BOARD_DEAD, "Board 1", "dead")));
 }
 
 TEST_F(PluginAlerts, AnswerTheLastFailure) {

@@ -15,9 +15,7 @@ using ::testing::IsEmpty;
 
 class PluginFailures : public ServiceTest {
   protected:
-    std::string Stage() const {
-        return StageLines(home.Read("oam/log/startup.log"), kPluginStage);
-    }
+    std::string Stage() const { return StageLines(home.Read("oam/log/startup.log"), kPluginStage); }
     std::string Loading(const std::string& file) const {
         return LoadingLine("Plug-in", home.Path("lib/" + file));
     }
@@ -66,9 +64,8 @@ TEST_F(PluginFailures, LeaveOutTheLoadingLineOfAFileWithoutStatus) {
 }
 
 TEST_F(PluginFailures, StopTheStartWithTheCodeThatInitAnswers) {
-    AddPlugin("rec.bpi", [](ModuleScript& script) {
-        script.init = [](const char*) { return 0x1234ABCDu; };
-    });
+    AddPlugin("rec.bpi",
+              [](ModuleScript& script) { script.init = [](const char*) { return 0x1234ABCDu; }; });
     EXPECT_EQ(_oamInit(), 0x1234ABCDu);
     EXPECT_EQ(Stage(), Loading("rec.bpi") + FailedLine("Plug-in", 0x1234ABCD));
     EXPECT_THAT(recorder.Lines(), ElementsAre("rec.bpi Init(rec.bpi)", "rec.bpi Exit()"));
@@ -84,9 +81,8 @@ TEST_F(PluginFailures, StopTheStartWhenInitThrows) {
 
 TEST_F(PluginFailures, EndThePluginsThatWereInitialisedBefore) {
     AddTwo();
-    recorder.Script(second_, [](ModuleScript& script) {
-        script.init = [](const char*) { return 0x77u; };
-    });
+    recorder.Script(second_,
+                    [](ModuleScript& script) { script.init = [](const char*) { return 0x77u; }; });
     EXPECT_EQ(_oamInit(), 0x77u);
     EXPECT_THAT(recorder.Lines({"Init"}),
                 ElementsAre(first_ + " Init(" + first_ + ")", second_ + " Init(" + second_ + ")"));
@@ -97,9 +93,8 @@ TEST_F(PluginFailures, EndThePluginsThatWereInitialisedBefore) {
 
 TEST_F(PluginFailures, LeaveThePluginsThatWouldFollowAlone) {
     AddTwo();
-    recorder.Script(first_, [](ModuleScript& script) {
-        script.init = [](const char*) { return 0x77u; };
-    });
+    recorder.Script(first_,
+                    [](ModuleScript& script) { script.init = [](const char*) { return 0x77u; }; });
     EXPECT_EQ(_oamInit(), 0x77u);
     EXPECT_THAT(recorder.Lines(),
                 ElementsAre(first_ + " Init(" + first_ + ")", first_ + " Exit()"));
@@ -156,8 +151,7 @@ TEST_F(PluginPaths, MustStayBelow128Characters) {
     const std::string file = "a." + std::string(17, 'b') + ".bpi";
     ASSERT_EQ(Add(100, file).size(), 128u);
     EXPECT_EQ(_oamInit(), OAMERR_NOT_ENOUGH_MEMORY);
-    EXPECT_EQ(Stage(), Loading(file) +
-                               FailedLine("Plug-in", OAMERR_NOT_ENOUGH_MEMORY));
+    EXPECT_EQ(Stage(), Loading(file) + FailedLine("Plug-in", OAMERR_NOT_ENOUGH_MEMORY));
     EXPECT_THAT(recorder.Lines(), IsEmpty());
 }
 
@@ -166,8 +160,8 @@ TEST_F(PluginPaths, AreReportedAsFarAsAnAlertsTextGoes) {
     ASSERT_EQ(Add(107, file).size(), 259u);
     EXPECT_EQ(_oamInit(), OAMERR_NOT_ENOUGH_MEMORY);
     const std::string text = ("=> Loading " + home.Path("lib/" + file)).substr(0, 255);
-    EXPECT_EQ(Stage(), "Plug-in(I): " + text + "\n" +
-                               FailedLine("Plug-in", OAMERR_NOT_ENOUGH_MEMORY));
+    EXPECT_EQ(Stage(),
+              "Plug-in(I): " + text + "\n" + FailedLine("Plug-in", OAMERR_NOT_ENOUGH_MEMORY));
 }
 
 TEST_F(PluginPaths, OfTheListingMustStayBelow260Characters) {

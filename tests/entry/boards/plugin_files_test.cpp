@@ -37,8 +37,8 @@ class PluginFiles : public ServiceTest {
 TEST_F(PluginFiles, AreLoadedInitialisedAndReportedOnTheStartUpLog) {
     AddPlugin("rec.bpi");
     Start();
-    EXPECT_EQ(StageOfPlugins(), LoadingLine("Plug-in", home.Path("lib/rec.bpi")) +
-                                    DoneLine("Plug-in", "rec.bpi"));
+    EXPECT_EQ(StageOfPlugins(),
+              LoadingLine("Plug-in", home.Path("lib/rec.bpi")) + DoneLine("Plug-in", "rec.bpi"));
     EXPECT_THAT(recorder.Lines({"Init", "Exit"}), ElementsAre("rec.bpi Init(rec.bpi)"));
     EXPECT_THAT(Listed(), ElementsAre("rec.bpi"));
 }
@@ -160,9 +160,8 @@ TEST_F(PluginFiles, AreEndedAndInitialisedAgainByARestart) {
     AddPlugin("rec.bpi");
     Start();
     EXPECT_EQ(_oamRestart(), OAM_SUCCESS);
-    EXPECT_THAT(
-        recorder.Lines({"Init", "Exit"}),
-        ElementsAre("rec.bpi Init(rec.bpi)", "rec.bpi Exit()", "rec.bpi Init(rec.bpi)"));
+    EXPECT_THAT(recorder.Lines({"Init", "Exit"}),
+                ElementsAre("rec.bpi Init(rec.bpi)", "rec.bpi Exit()", "rec.bpi Init(rec.bpi)"));
 }
 
 TEST_F(PluginFiles, AreAllEndedWhateverEachAnswers) {

@@ -56,11 +56,11 @@ TEST_F(Products, AreReadFromThePluginsOwnObjectAfterItsInit) {
     std::vector<std::string> lines = recorder.Lines();
     ASSERT_FALSE(lines.empty());
     lines.pop_back();  // the start's last alert
-    EXPECT_THAT(lines, ElementsAre("rec.bpi Init(rec.bpi)", "rec.bpi OpenObject(0)",
-                                   "rec.bpi GetKeyword(Products.Count, 128)",
-                                   "rec.bpi GetKeyword(Products[0], 128)",
-                                   "rec.bpi GetKeyword(Products[1], 128)",
-                                   "rec.bpi CloseObject()"));
+    EXPECT_THAT(lines,
+                ElementsAre("rec.bpi Init(rec.bpi)", "rec.bpi OpenObject(0)",
+                            "rec.bpi GetKeyword(Products.Count, 128)",
+                            "rec.bpi GetKeyword(Products[0], 128)",
+                            "rec.bpi GetKeyword(Products[1], 128)", "rec.bpi CloseObject()"));
     const auto opened = recorder.Calls("OpenObject");
     const auto closed = recorder.Calls("CloseObject");
     ASSERT_EQ(opened.size(), 1u);
@@ -100,8 +100,8 @@ TEST_F(Products, BelongToThePluginThatReportedThem) {
     Start();
     EXPECT_EQ(CreateBoard("Alpha"), "Alpha 0");
     EXPECT_EQ(CreateBoard("Zulu"), "Zulu 0");
-    EXPECT_THAT(recorder.Lines({"CreateBoard"}),
-                ElementsAre("z.bpi CreateBoard(Alpha 0, Alpha)", "a.bpi CreateBoard(Zulu 0, Zulu)"));
+    EXPECT_THAT(recorder.Lines({"CreateBoard"}), ElementsAre("z.bpi CreateBoard(Alpha 0, Alpha)",
+                                                             "a.bpi CreateBoard(Zulu 0, Zulu)"));
 }
 
 TEST_F(Products, MayBeMoreThanOneGrowthStep) {
@@ -173,9 +173,9 @@ TEST_F(Products, StopTheStartWhenTwoPluginsReportOne) {
     AddPluginFor("a.bpi", {"Card"});
     AddPluginFor("b.bpi", {"card"});
     EXPECT_EQ(_oamInit(), OAMERR_ALREADY_EXISTS);
-    EXPECT_THAT(recorder.Lines({"CloseObject", "Exit"}),
-                ElementsAre("a.bpi CloseObject()", "b.bpi CloseObject()", "a.bpi Exit()",
-                            "b.bpi Exit()"));
+    EXPECT_THAT(
+        recorder.Lines({"CloseObject", "Exit"}),
+        ElementsAre("a.bpi CloseObject()", "b.bpi CloseObject()", "a.bpi Exit()", "b.bpi Exit()"));
 }
 
 TEST_F(Products, StopTheStartWhenOneOfTheCountedCannotBeRead) {

@@ -43,9 +43,8 @@ std::vector<std::string> BoardNames() {
 }
 
 Answer ByNumber(unsigned number) {
-    return TextFrom([=](char* buffer, unsigned size) {
-        return _oamBoardLookupByNumber(number, buffer, size);
-    });
+    return TextFrom(
+        [=](char* buffer, unsigned size) { return _oamBoardLookupByNumber(number, buffer, size); });
 }
 
 Answer ByDriverIDs(const std::string& driver, const std::string& id) {
@@ -136,11 +135,25 @@ Answer MACAddressOf(const std::string& board, unsigned index) {
     });
 }
 
+std::vector<std::string> MACAddressesOf(const std::string& board) {
+    std::vector<std::string> texts;
+    for (unsigned index : {0u, 1u, 2u, 3u, 4u, 7u, 0xFFFFFFFFu}) {
+        const Answer text = MACAddressOf(board, index);
+        EXPECT_EQ(text.code, OAM_SUCCESS) << index;
+        texts.push_back(text.text);
+    }
+    return texts;
+}
+
+std::string MacKeyword(int index) {
+    return "NetworkInterface.Ethernet[" + std::to_string(index) + "].MAC_Address";
+}
+
 Answer DriverIDsOf(const std::string& board) {
     std::array<char, 512> driver{};
     std::array<char, 512> id{};
-    const unsigned code = _oamBoardGetDriverIDs(board.c_str(), driver.data(), driver.size(),
-                                                id.data(), id.size());
+    const unsigned code =
+        _oamBoardGetDriverIDs(board.c_str(), driver.data(), driver.size(), id.data(), id.size());
     if (code != OAM_SUCCESS) return Fails(code);
     return Is(std::string(driver.data()) + "|" + id.data());
 }
@@ -151,9 +164,9 @@ oam_result SetMACAddresses(const std::string& board, const std::vector<std::stri
         EXPECT_LT(texts[i].size(), slots[i].size());
         texts[i].copy(slots[i].data(), slots[i].size() - 1);
     }
-    return _oamBoardSetMACAddress(
-        board.c_str(), reinterpret_cast<const char(*)[OAM_MAC_TEXT_SIZE]>(slots.data()),
-        static_cast<unsigned>(slots.size()));
+    return _oamBoardSetMACAddress(board.c_str(),
+                                  reinterpret_cast<const char(*)[OAM_MAC_TEXT_SIZE]>(slots.data()),
+                                  static_cast<unsigned>(slots.size()));
 }
 
 }  // namespace oam::test

@@ -57,6 +57,12 @@ Answer MACAddressOf(const std::string& board, unsigned index);
 // "<driver name>|<driver board id>"
 Answer DriverIDsOf(const std::string& board);
 
+// The texts at index 0 to 4, 7 and the highest there is.
+std::vector<std::string> MACAddressesOf(const std::string& board);
+// The keywords behind them.
+constexpr const char* kMacCount = "NetworkInterface.Ethernet.Count";
+std::string MacKeyword(int index);
+
 oam_result SetMACAddresses(const std::string& board, const std::vector<std::string>& texts);
 
 }  // namespace oam::test

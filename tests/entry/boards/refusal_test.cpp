@@ -79,14 +79,11 @@ TEST_P(RefusedOperation, IsToldForARequestOfAllBoardsToo) {
     EXPECT_THAT(alerts.Heard(), ElementsAre(Refused()));
 }
 
-INSTANTIATE_TEST_SUITE_P(Each, RefusedOperation, testing::ValuesIn(kRefusals),
-                         [](const auto& row) {
-                             return std::string(row.param.requested.name) + "During" +
-                                    row.param.running.name;
-                         });
+INSTANTIATE_TEST_SUITE_P(Each, RefusedOperation, testing::ValuesIn(kRefusals), [](const auto& row) {
+    return std::string(row.param.requested.name) + "During" + row.param.running.name;
+});
 
-class RefusedSynchronized : public OperationTest,
-                            public testing::WithParamInterface<Operation> {};
+class RefusedSynchronized : public OperationTest, public testing::WithParamInterface<Operation> {};
 
 TEST_P(RefusedSynchronized, IsToldBeforeTheCallReturns) {
     Configure(kBoard);

@@ -10,24 +10,7 @@ using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using ::testing::Values;
 
-std::string macKeyword(int index) {
-    return "NetworkInterface.Ethernet[" + std::to_string(index) + "].MAC_Address";
-}
-
-constexpr const char* kMacCount = "NetworkInterface.Ethernet.Count";
-
-class TableFromDatabase : public BoardTest {
-  protected:
-    std::vector<std::string> MacAddresses(const std::string& board) {
-        std::vector<std::string> texts;
-        for (unsigned index = 0; index < 6; ++index) {
-            const Answer text = MACAddressOf(board, index);
-            EXPECT_EQ(text.code, OAM_SUCCESS);
-            texts.push_back(text.text);
-        }
-        return texts;
-    }
-};
+using TableFromDatabase = BoardTest;
 
 TEST_F(TableFromDatabase, TakesEveryField) {
     Settings({{"AutoStartEnabled", "Yes"}, {"AutoStopEnabled", "Yes"}});
@@ -45,8 +28,8 @@ TEST_F(TableFromDatabase, TakesEveryField) {
                           {"Location.CPCI.Shelf", "3"},
                           {"Location.CPCI.Slot", "14"},
                           {kMacCount, "2"},
-                          {macKeyword(0), "00:11:22:33:44:55"},
-                          {macKeyword(1), "00:11:22:33:44:56"}});
+                          {MacKeyword(0), "00:11:22:33:44:55"},
+                          {MacKeyword(1), "00:11:22:33:44:56"}});
     Start();
     EXPECT_THAT(BoardNames(), ElementsAre("Board A"));
     EXPECT_EQ(NumberOf("Board A"), Are(17));
@@ -58,8 +41,8 @@ TEST_F(TableFromDatabase, TakesEveryField) {
     EXPECT_EQ(AutoStartOf("Board A"), Are(1));
     EXPECT_EQ(AutoStopOf("Board A"), Are(1));
     EXPECT_EQ(ShelfSlotOf("Board A"), Are(3, 14));
-    EXPECT_THAT(MacAddresses("Board A"),
-                ElementsAre("00:11:22:33:44:55", "00:11:22:33:44:56", "", "", "", ""));
+    EXPECT_THAT(MACAddressesOf("Board A"),
+                ElementsAre("00:11:22:33:44:55", "00:11:22:33:44:56", "", "", "", "", ""));
 }
 
 TEST_F(TableFromDatabase, TakesDefaultsForWhatIsMissing) {
@@ -74,7 +57,7 @@ TEST_F(TableFromDatabase, TakesDefaultsForWhatIsMissing) {
     EXPECT_EQ(AutoStartOf("Board A"), Are(0));
     EXPECT_EQ(AutoStopOf("Board A"), Are(0));
     EXPECT_EQ(ShelfSlotOf("Board A"), Are(32, 32));
-    EXPECT_THAT(MacAddresses("Board A"), ElementsAre("", "", "", "", "", ""));
+    EXPECT_THAT(MACAddressesOf("Board A"), ElementsAre("", "", "", "", "", "", ""));
 }
 
 TEST_F(TableFromDatabase, ReadsWithoutAskingThePlugin) {
@@ -204,25 +187,25 @@ TEST_F(TableFromDatabase, IsFilledAfreshByEveryStart) {
 }
 
 TEST_F(TableFromDatabase, CountsTheMACAddresses) {
-    Configure("None", {{kMacCount, "0"}, {macKeyword(0), "a0"}});
+    Configure("None", {{kMacCount, "0"}, {MacKeyword(0), "a0"}});
     Configure("Four", {{kMacCount, "4"},
-                       {macKeyword(0), "f0"},
-                       {macKeyword(1), "f1"},
-                       {macKeyword(2), "f2"},
-                       {macKeyword(3), "f3"}});
+                       {MacKeyword(0), "f0"},
+                       {MacKeyword(1), "f1"},
+                       {MacKeyword(2), "f2"},
+                       {MacKeyword(3), "f3"}});
     Configure("Six", {{kMacCount, "6"},
-                      {macKeyword(0), "s0"},
-                      {macKeyword(1), "s1"},
-                      {macKeyword(2), "s2"},
-                      {macKeyword(3), "s3"},
-                      {macKeyword(4), "s4"},
-                      {macKeyword(5), "s5"}});
-    Configure("Gaps", {{kMacCount, "3"}, {macKeyword(1), "g1"}});
+                      {MacKeyword(0), "s0"},
+                      {MacKeyword(1), "s1"},
+                      {MacKeyword(2), "s2"},
+                      {MacKeyword(3), "s3"},
+                      {MacKeyword(4), "s4"},
+                      {MacKeyword(5), "s5"}});
+    Configure("Gaps", {{kMacCount, "3"}, {MacKeyword(1), "g1"}});
     Start();
-    EXPECT_THAT(MacAddresses("None"), ElementsAre("", "", "", "", "", ""));
-    EXPECT_THAT(MacAddresses("Four"), ElementsAre("f0", "f1", "f2", "f3", "", ""));
-    EXPECT_THAT(MacAddresses("Six"), ElementsAre("s0", "s1", "s2", "s3", "", ""));
-    EXPECT_THAT(MacAddresses("Gaps"), ElementsAre("", "g1", "", "", "", ""));
+    EXPECT_THAT(MACAddressesOf("None"), ElementsAre("", "", "", "", "", "", ""));
+    EXPECT_THAT(MACAddressesOf("Four"), ElementsAre("f0", "f1", "f2", "f3", "", "", ""));
+    EXPECT_THAT(MACAddressesOf("Six"), ElementsAre("s0", "s1", "s2", "s3", "", "", ""));
+    EXPECT_THAT(MACAddressesOf("Gaps"), ElementsAre("", "g1", "", "", "", "", ""));
     EXPECT_EQ(ByMACAddress("a0"), Fails(OAMERR_NOT_FOUND));
     EXPECT_EQ(ByMACAddress("S3"), Is("Six"));
     EXPECT_EQ(ByMACAddress("s4"), Fails(OAMERR_NOT_FOUND));
@@ -230,18 +213,18 @@ TEST_F(TableFromDatabase, CountsTheMACAddresses) {
 }
 
 TEST_F(TableFromDatabase, ReadsAFewMACAddressesWhateverTheCountSays) {
-    Configure("Board A", {{kMacCount, "4294967295"}, {macKeyword(0), "m0"}, {macKeyword(3), "m3"}});
+    Configure("Board A", {{kMacCount, "4294967295"}, {MacKeyword(0), "m0"}, {MacKeyword(3), "m3"}});
     Start();
-    EXPECT_THAT(MacAddresses("Board A"), ElementsAre("m0", "", "", "m3", "", ""));
+    EXPECT_THAT(MACAddressesOf("Board A"), ElementsAre("m0", "", "", "m3", "", "", ""));
 }
 
 TEST_F(TableFromDatabase, TakesMACAddressesOf127CharactersAndNotOf129) {
     Configure("Board A", {{kMacCount, "2"},
-                          {macKeyword(0), std::string(127, 'm')},
-                          {macKeyword(1), std::string(129, 'n')}});
+                          {MacKeyword(0), std::string(127, 'm')},
+                          {MacKeyword(1), std::string(129, 'n')}});
     Start();
-    EXPECT_THAT(MacAddresses("Board A"),
-                ElementsAre(std::string(127, 'm'), "", "", "", "", ""));
+    EXPECT_THAT(MACAddressesOf("Board A"),
+                ElementsAre(std::string(127, 'm'), "", "", "", "", "", ""));
 }
 
 using Mark = std::pair<std::string, unsigned>;

@@ -86,6 +86,20 @@ TEST_F(TableGrowth, FindsEveryBoardOfMany) {
     }
 }
 
+TEST_F(TableGrowth, IsListedByTheSupervisor) {
+    Configure("zulu");
+    Configure("Alpha");
+    Start();
+    CreateBoard(kProduct);
+    EXPECT_EQ(KeywordOf("Supervisor", "Boards.Count"), Is("3"));
+    EXPECT_EQ(KeywordOf("Supervisor", "Boards[0]"), Is("Alpha"));
+    EXPECT_EQ(KeywordOf("Supervisor", "Boards[1]"), Is("Card 0"));
+    EXPECT_EQ(KeywordOf("Supervisor", "Boards[2]"), Is("zulu"));
+    EXPECT_EQ(_oamDeleteBoard("Alpha"), OAM_SUCCESS);
+    EXPECT_EQ(KeywordOf("Supervisor", "Boards.Count"), Is("2"));
+    EXPECT_EQ(KeywordOf("Supervisor", "Boards[0]"), Is("Card 0"));
+}
+
 TEST_F(TableGrowth, EndsWithTheServiceAndComesBackFromTheDatabase) {
     Start();
     CreateBoard(kProduct);

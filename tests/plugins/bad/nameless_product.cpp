@@ -2,6 +2,7 @@
 #include <strings.h>
 
 #include <cstring>
+#include <initializer_list>
 
 #include "sound.h"
 

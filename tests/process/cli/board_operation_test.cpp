@@ -110,8 +110,7 @@ TEST_F(ToolOperations, AnInterruptedWaitEndsInGoodOrder) {
         ChildProcess tool(ToolCommand({"board", "start", "Stuck", "Good"}), home.Root());
         tool.AwaitOutput("start \"Good\": done");
         tool.Signal(number);
-        EXPECT_THAT(tool.Finish(),
-                    Complains(1, "start \"Stuck\": outcome unknown: interrupted"));
+        EXPECT_THAT(tool.Finish(), Complains(1, "start \"Stuck\": outcome unknown: interrupted"));
     }
 }
 

@@ -51,10 +51,14 @@ TEST_F(ToolBoardQueries, InfoTellsAllThatTheTableHolds) {
 }
 
 TEST_F(ToolBoardQueries, EveryIdentityFindsTheBoard) {
-    for (const Words& identity :
-         {Words{"--number", "0"}, {"--driver", "SIM", "B"}, {"--bus-slot", "2", "5"},
-          {"--shelf-slot", "3", "0x4"}, {"--io", "0x1000"}, {"--serial", "sim000205"},
-          {"--product", "sim-ip"}, {"--mac", "02:00:53:02:05:01"}}) {
+    for (const Words& identity : {Words{"--number", "0"},
+                                  {"--driver", "SIM", "B"},
+                                  {"--bus-slot", "2", "5"},
+                                  {"--shelf-slot", "3", "0x4"},
+                                  {"--io", "0x1000"},
+                                  {"--serial", "sim000205"},
+                                  {"--product", "sim-ip"},
+                                  {"--mac", "02:00:53:02:05:01"}}) {
         Words words{"board", "lookup"};
         words.insert(words.end(), identity.begin(), identity.end());
         EXPECT_EQ(Out(words), "Sim IP lower\n") << identity[0];

@@ -23,8 +23,10 @@ void closeOnce(int* descriptor) {
 void readFrom(int* descriptor, std::string* text) {
     char block[4096];
     const ssize_t length = read(*descriptor, block, sizeof block);
-    if (length > 0) text->append(block, static_cast<size_t>(length));
-    else if (length == 0 || errno != EINTR) closeOnce(descriptor);
+    if (length > 0)
+        text->append(block, static_cast<size_t>(length));
+    else if (length == 0 || errno != EINTR)
+        closeOnce(descriptor);
 }
 
 }  // namespace

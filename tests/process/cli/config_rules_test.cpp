@@ -18,8 +18,8 @@ std::vector<std::string> findings(const std::vector<ObjectEntries>& objects,
     for (const DataObject& object : ReadDataFile(ExportFile(objects), kExportRoot).objects)
         found.push_back({"f", object});
     std::vector<std::string> texts;
-    for (const Finding& finding : CheckObjects(
-             found, [&](const std::string& product) { return product == served; }))
+    for (const Finding& finding :
+         CheckObjects(found, [&](const std::string& product) { return product == served; }))
         texts.push_back(FindingText(finding));
     return texts;
 }
@@ -41,7 +41,9 @@ std::vector<std::string> shared(const std::vector<std::string>& names) {
 }  // namespace
 
 TEST(ConfigRules, FindNothingInASoundConfiguration) {
-    EXPECT_THAT(findings({board("A", "0"), board("B", "1"), {"Supervisor", {{"Name", "Supervisor"}}},
+    EXPECT_THAT(findings({board("A", "0"),
+                          board("B", "1"),
+                          {"Supervisor", {{"Name", "Supervisor"}}},
                           {"x.bpi", {{"Name", "x.bpi"}}}}),
                 IsEmpty());
 }
@@ -91,8 +93,9 @@ TEST(ConfigRules, FindASupervisorThatIsSpelledInAnotherWay) {
 
 TEST(SharedDataFiles, AreFoundWhereNamesEqualUpToTheirFirstDot) {
     EXPECT_THAT(shared({"x.bpi", "y.bpi", "z.emc", "Supervisor", "Board 1"}), IsEmpty());
-    EXPECT_THAT(shared({"x.bpi", "x.emc"}),
-                ElementsAre("lib/x.emc: \"x.emc\" would share the data file \"x.xmo\" with \"x.bpi\""));
+    EXPECT_THAT(
+        shared({"x.bpi", "x.emc"}),
+        ElementsAre("lib/x.emc: \"x.emc\" would share the data file \"x.xmo\" with \"x.bpi\""));
     EXPECT_THAT(
         shared({"x.bpi", "x.y.bpi"}),
         ElementsAre("lib/x.y.bpi: \"x.y.bpi\" would share the data file \"x.xmo\" with \"x.bpi\""));
@@ -102,11 +105,12 @@ TEST(SharedDataFiles, AreFoundWithTheSupervisorAndWithBoards) {
     EXPECT_THAT(shared({"Super.bpi"}),
                 ElementsAre("lib/Super.bpi: \"Super.bpi\" would share the data file \"Super.xmo\" "
                             "with the Supervisor"));
-    EXPECT_THAT(shared({"Obj0.bpi", "Obj12.emc"}),
-                ElementsAre("lib/Obj0.bpi: \"Obj0.bpi\" would share the data file \"Obj0.xmo\" with "
-                            "a board",
-                            "lib/Obj12.emc: \"Obj12.emc\" would share the data file \"Obj12.xmo\" "
-                            "with a board"));
+    EXPECT_THAT(
+        shared({"Obj0.bpi", "Obj12.emc"}),
+        ElementsAre("lib/Obj0.bpi: \"Obj0.bpi\" would share the data file \"Obj0.xmo\" with "
+                    "a board",
+                    "lib/Obj12.emc: \"Obj12.emc\" would share the data file \"Obj12.xmo\" "
+                    "with a board"));
     EXPECT_THAT(shared({"Obj.bpi", "Object0.bpi", "obj0.bpi"}), IsEmpty());
 }
 

@@ -76,7 +76,8 @@ class ToolExamples : public ToolTest {
         place.Write("command.txt", "temperature 400\n");
         const bool isAddition = example.find("board add") != std::string::npos;
         if (!isAddition)
-            RunShell(place, "oam board add --all && oam board create SIM-E1 && oam export saved.oam");
+            RunShell(place,
+                     "oam board add --all && oam board create SIM-E1 && oam export saved.oam");
         std::string command = example;
         replace(&command, "/opt/oam", place.Root());
         replace(&command, "/srv/oam", place.Path("srv"));

@@ -16,15 +16,19 @@ TEST(ForeignText, EscapesControlCharacters) {
 }
 
 TEST(ForeignText, EscapesTheControlCharactersAboveAscii) {
-    EXPECT_EQ(Shown("\xc2\x9b" "2J"), "\\u009b2J");
-    EXPECT_EQ(Shown("\xe2\x80\xae" "txt.exe"), "\\u202etxt.exe");
+    EXPECT_EQ(Shown("\xc2\x9b"
+                    "2J"),
+              "\\u009b2J");
+    EXPECT_EQ(Shown("\xe2\x80\xae"
+                    "txt.exe"),
+              "\\u202etxt.exe");
 }
 
 TEST(ForeignText, ShowsWhatIsNotUtf8ByteForByte) {
     EXPECT_EQ(Shown("caf\xe9"), "caf\\xe9");
     EXPECT_EQ(Shown("cut \xe2\x82"), "cut \\xe2\\x82");
-    EXPECT_EQ(Shown("\xc0\xaf"), "\\xc0\\xaf");              // overlong
-    EXPECT_EQ(Shown("\xed\xa0\x80"), "\\xed\\xa0\\x80");     // a surrogate
+    EXPECT_EQ(Shown("\xc0\xaf"), "\\xc0\\xaf");                    // overlong
+    EXPECT_EQ(Shown("\xed\xa0\x80"), "\\xed\\xa0\\x80");           // a surrogate
     EXPECT_EQ(Shown("\xf4\x90\x80\x80"), "\\xf4\\x90\\x80\\x80");  // above U+10FFFF
     EXPECT_EQ(Shown("\xff\xfe"), "\\xff\\xfe");
 }

@@ -12,11 +12,10 @@ TEST_F(ToolInformation, ACodeHasANameAndANameACode) {
     EXPECT_EQ(Out({"text", "0x40000106"}), "OAMERR_DESTORY_BOARD_FAIL\n");
     EXPECT_EQ(Out({"text", "1073741828"}), "OAMERR_NOT_FOUND\n");
     EXPECT_EQ(Out({"text", "oamevn_startboard_done"}), "0x40002101\n");
-    EXPECT_EQ(Json({"text", "OAMEVN_ALERT"}),
-              (nlohmann::json{{"schema", 1},
-                              {"code", 0x40002001},
-                              {"hex", "0x40002001"},
-                              {"name", "OAMEVN_ALERT"}}));
+    EXPECT_EQ(
+        Json({"text", "OAMEVN_ALERT"}),
+        (nlohmann::json{
+            {"schema", 1}, {"code", 0x40002001}, {"hex", "0x40002001"}, {"name", "OAMEVN_ALERT"}}));
 }
 
 TEST_F(ToolInformation, EveryCodeIsNamedBothWays) {

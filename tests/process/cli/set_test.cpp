@@ -89,8 +89,9 @@ TEST_F(ToolSet, RenamesABoard) {
 TEST_F(ToolSet, RefusesTheSupervisorsFixedKeywords) {
     const auto before = DataFiles();
     EXPECT_THAT(Run({"set", "Supervisor", "AutoStartEnabled=Yes", "Version.Major=2"}),
-                Complains(1, "cannot set \"Version.Major\" of \"Supervisor\", nothing was changed: "
-                             "OAMERR_ACCESS_DENIED"));
+                Complains(1,
+                          "cannot set \"Version.Major\" of \"Supervisor\", nothing was changed: "
+                          "OAMERR_ACCESS_DENIED"));
     EXPECT_EQ(DataFiles(), before);
 }
 

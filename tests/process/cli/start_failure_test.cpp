@@ -15,8 +15,8 @@ TEST_F(ToolStartFailure, NamesThePlugInThatCannotBeLoaded) {
     home.Write("lib/bad.bpi", "no library");
     const Finished run = Run({"objects"});
     EXPECT_THAT(run, Complains(1, "the service does not start: 0x000f0027"));
-    EXPECT_THAT(run.err, HasSubstr("start-up log: Plug-in(I): => Loading " +
-                                   home.Path("lib/bad.bpi")));
+    EXPECT_THAT(run.err,
+                HasSubstr("start-up log: Plug-in(I): => Loading " + home.Path("lib/bad.bpi")));
     EXPECT_THAT(run.err, HasSubstr("start-up log: Plug-in(E): !! FAILED !! (0xf0027)"));
     EXPECT_THAT(run.err, HasSubstr("`ldd`"));
     EXPECT_EQ(run.out, "");
@@ -28,15 +28,17 @@ TEST_F(ToolStartFailure, NamesTheCodeWhenTwoBoardsHaveOneNumber) {
         home.WriteDataFile(std::string(name) + ".xmo",
                            DataFile(name, StandardEntries(name, "SIM-E1")));
     const Finished run = Run({"objects"});
-    EXPECT_THAT(run, Complains(1, "the service does not start: OAMERR_ALREADY_EXISTS (0x40000005)"));
+    EXPECT_THAT(run,
+                Complains(1, "the service does not start: OAMERR_ALREADY_EXISTS (0x40000005)"));
     EXPECT_THAT(run.err, HasSubstr("`oam check`"));
 }
 
 TEST_F(ToolStartFailure, TellsOfADataFileThatWasSetAside) {
     home.WriteDataFile("Obj0.xmo", "rubbish");
     const Finished run = Run({"objects"});
-    EXPECT_THAT(run, Complains(0, "oam: Supervisor: Rejecting invalid object data file \"Obj0.xmo\", "
-                                  "saving to \"Obj0.bak\"."));
+    EXPECT_THAT(run, Complains(0,
+                               "oam: Supervisor: Rejecting invalid object data file \"Obj0.xmo\", "
+                               "saving to \"Obj0.bak\"."));
     EXPECT_THAT(run.out, HasSubstr("Supervisor"));
 }
 

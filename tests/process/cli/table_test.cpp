@@ -5,9 +5,7 @@
 namespace oam::test {
 namespace {
 
-Table boards() {
-    return {{{"number", "NUMBER", true}, {"name", "NAME"}, {"on", "ON"}}, {}};
-}
+Table boards() { return {{{"number", "NUMBER", true}, {"name", "NAME"}, {"on", "ON"}}, {}}; }
 
 }  // namespace
 
@@ -72,8 +70,7 @@ TEST(TableJson, TakesTheValueOfACellAndNotItsText) {
 TEST(TableJson, ReplacesBytesThatAreNotUtf8) {
     Table table = boards();
     table.rows.push_back({1u, "caf\xe9", true});
-    EXPECT_EQ(JsonLine(AsJson(table)),
-              "[{\"number\":1,\"name\":\"caf\xef\xbf\xbd\",\"on\":true}]");
+    EXPECT_EQ(JsonLine(AsJson(table)), "[{\"number\":1,\"name\":\"caf\xef\xbf\xbd\",\"on\":true}]");
 }
 
 }  // namespace oam::test

@@ -68,7 +68,8 @@ TEST_F(ToolTransfer, AFileThatTheServiceWouldDropHalfOfIsRefused) {
     AddSimBoard();
     ExpectRefused(ExportFile({Board("A", "0"), Board("a", "1")}), "a second object named \"a\"");
     ExpectRefused(ExportFile({Board("A", "0"), Board("A", "0")}), "a second object named \"A\"");
-    ExpectRefused(ExportFile({Board("A", "3"), Board("B", "3")}), "board number 3 belongs to \"A\"");
+    ExpectRefused(ExportFile({Board("A", "3"), Board("B", "3")}),
+                  "board number 3 belongs to \"A\"");
     ExpectRefused(ExportFile({{"A", {{"Number", "1"}}}}), "has no keyword \"Name\"");
     ExpectRefused(ExportFile({{"A", {{"Name", "B"}}}}), "is \"B\" instead of \"A\"");
     ExpectRefused(ExportFile({Board(std::string(128, 'n'), "0")}), "longer than 127 bytes");

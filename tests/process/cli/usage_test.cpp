@@ -23,14 +23,28 @@ TEST_F(ToolUsage, HelpIsAnAnswerAndNoFailure) {
 }
 
 TEST_F(ToolUsage, WrongUseIsStatusTwo) {
-    for (const Words& words :
-         {Words{}, {"bogus"}, {"board"}, {"board", "bogus"}, {"get", "Supervisor"}, {"objects", "x"},
-          {"objects", "--bogus"}, {"board", "add"}, {"board", "add", "x", "--all"},
-          {"board", "add", ""}, {"board", "start"}, {"board", "start", "x", "--timeout", "0"},
-          {"board", "lookup"}, {"board", "lookup", "--number", "1", "--mac", "2"},
-          {"board", "lookup", "--number", "-1"}, {"board", "send", "x"}, {"set", "Supervisor"},
-          {"set", "Supervisor", "AutoStartEnabled"}, {"set", "Supervisor", "=Yes"},
-          {"set", "Supervisor", "a=1", "A=2"}, {"supervisor", "Bogus=Yes"}, {"--dir", "", "check"}}) {
+    for (const Words& words : {Words{},
+                               {"bogus"},
+                               {"board"},
+                               {"board", "bogus"},
+                               {"get", "Supervisor"},
+                               {"objects", "x"},
+                               {"objects", "--bogus"},
+                               {"board", "add"},
+                               {"board", "add", "x", "--all"},
+                               {"board", "add", ""},
+                               {"board", "start"},
+                               {"board", "start", "x", "--timeout", "0"},
+                               {"board", "lookup"},
+                               {"board", "lookup", "--number", "1", "--mac", "2"},
+                               {"board", "lookup", "--number", "-1"},
+                               {"board", "send", "x"},
+                               {"set", "Supervisor"},
+                               {"set", "Supervisor", "AutoStartEnabled"},
+                               {"set", "Supervisor", "=Yes"},
+                               {"set", "Supervisor", "a=1", "A=2"},
+                               {"supervisor", "Bogus=Yes"},
+                               {"--dir", "", "check"}}) {
         const Finished run = Run(words);
         EXPECT_EQ(run.status, 2) << ::testing::PrintToString(words) << run.err;
         EXPECT_EQ(run.out, "");

@@ -65,6 +65,7 @@ void FakeKernel::Run() {
             inotify_event event;
             std::memcpy(&event, block.data() + at, sizeof event);
             at += static_cast<ssize_t>(sizeof event + event.len);
+            if ((event.mask & IN_CLOSE_WRITE) == 0) continue;  // the file itself went away
             const std::lock_guard hold(lock_);
             const auto& order = watched_.at(event.wd);
             const auto file = order.driver.empty()
