@@ -63,5 +63,6 @@ std::span<const CommandRow> BoardOperationCommands();
 std::span<const CommandRow> ConfigCommands();
 std::span<const CommandRow> MonitorCommands();
 std::span<const CommandRow> InfoCommands();
+std::span<const CommandRow> PluginCommands();
 
 }  // namespace oam

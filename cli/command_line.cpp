@@ -57,7 +57,7 @@ CommandLine::CommandLine() : app_(std::make_unique<CLI::App>(kSummary, "oam")) {
     }
     for (const auto family :
          {InitCommands, ObjectCommands, ChangeCommands, BoardCommands, BoardQueryCommands,
-          BoardOperationCommands, ConfigCommands, MonitorCommands, InfoCommands})
+          BoardOperationCommands, ConfigCommands, MonitorCommands, PluginCommands, InfoCommands})
         for (const CommandRow& row : family()) Add(row);
 }
 

@@ -1,4 +1,4 @@
-// oam plugin list, shadow, text: what the service has loaded, published and named.
+// oam shadow, text: what a service has published and how codes are named.
 
 #include "arguments.h"
 #include "command.h"
@@ -6,47 +6,11 @@
 #include "number.h"
 #include "oam/shadow.h"
 #include "object_kind.h"
-#include "opened_object.h"
 #include "session.h"
+#include "text_answer.h"
 
 namespace oam {
 namespace {
-
-// A list keyword of an object.
-std::vector<std::string> elements(const OpenedObject& object, const std::string& list) {
-    std::vector<std::string> values;
-    const unsigned count = object.Count(list);
-    for (unsigned i = 0; i < count; ++i) values.push_back(object.Keyword(Element(list, i)).text);
-    return values;
-}
-
-std::string joined(const std::vector<std::string>& texts) {
-    std::string all;
-    for (const std::string& text : texts) all += (all.empty() ? "" : ", ") + text;
-    return all;
-}
-
-class PluginListCommand : public SessionCommand {
-  protected:
-    ExitStatus Work(Session&, Console& console) override {
-        Table table{{{"name", "NAME"}, {"kind", "KIND"}, {"products", "PRODUCTS"}}, {}};
-        std::vector<std::string> plugins, components;
-        {
-            const OpenedObject supervisor("Supervisor", OAM_OPEN_READ);
-            plugins = elements(supervisor, "BoardPlugins");
-            components = elements(supervisor, "ExtendedManagementComponents");
-        }
-        for (const std::string& name : plugins) {
-            const auto products = elements(OpenedObject(name, OAM_OPEN_READ), "Products");
-            table.rows.push_back(
-                {name, KindText(ObjectKind::kPlugin), Cell(products, joined(products))});
-        }
-        for (const std::string& name : components)
-            table.rows.push_back({name, KindText(ObjectKind::kComponent), Cell(nullptr, "")});
-        console.Show("plugins", table);
-        return kDone;
-    }
-};
 
 // The table that a service published last, whichever process that was.
 class ShadowCommand : public Command {
@@ -111,29 +75,41 @@ class TextCommand : public Command {
 
     ExitStatus Run(Context& context) override {
         for (const auto& row : kCodes) {
-            const bool isCode = ParseNumber(given_) == row.code;
-            if (!isCode && !SameName(given_, row.name)) continue;
-            if (context.console.IsJson())
-                context.console.ShowJson(
-                    {{"code", row.code}, {"hex", HexText(row.code)}, {"name", row.name}});
-            else
-                context.console.Say(isCode ? row.name : HexText(row.code));
-            return kDone;
+            if (ParseNumber(given_) == row.code || SameName(given_, row.name))
+                return Show(context.console, row.code, row.name);
         }
-        throw Failure("the service has no code " + Quoted(given_),
-                      "plug-ins and components have codes of their own, which only they know");
+        const auto code = ParseNumber(given_);
+        if (!code) throw Failure("the service has no code " + Quoted(given_));
+        return Show(context.console, *code, AskModules(context, *code));
     }
 
   private:
+    ExitStatus Show(Console& console, unsigned code, const std::string& name) const {
+        if (console.IsJson())
+            console.ShowJson({{"code", code}, {"hex", HexText(code)}, {"name", name}});
+        else
+            console.Say(ParseNumber(given_) ? name : HexText(code));
+        return kDone;
+    }
+
+    // Plug-ins and components have codes of their own, which only they know.
+    static std::string AskModules(Context& context, unsigned code) {
+        const Session session(context.place, context.title, context.console);
+        const char* const name = _oamGetText(code);
+        if (name == nullptr)
+            throw Failure("nobody has the code " + HexText(code),
+                          "neither the service nor a plug-in or component of " +
+                              context.place.Directory());
+        return name;
+    }
+
     std::string given_;
 };
 
 constexpr CommandRow kRows[] = {
-    {"plugin", "list", "List the loaded plug-ins with their products, and the components",
-     "oam plugin list", Make<PluginListCommand>},
     {nullptr, "shadow", "Show the board table in shared memory", "oam shadow", Make<ShadowCommand>},
     {nullptr, "text", "Name a code, or number a name",
-     "oam text 0x40000004\noam text OAMERR_NOT_FOUND", Make<TextCommand>},
+     "oam text 0x40000004\noam text OAMERR_NOT_FOUND\noam text 0x50000001", Make<TextCommand>},
 };
 
 }  // namespace

@@ -15,6 +15,7 @@ oam_result Watch::Begin() {
     std::vector<std::string> repairs;
     if (auto failed = completeSettings(object.Handle(), &repairs)) return failed;
     TakeLimit(object.Handle());
+    period_ = readPeriod(object.Handle());
     if (auto failed = object.Close()) return failed;
     for (const auto& repair : repairs) {
         kit::raiseAlert(OAMEVN_ALERT, OAM_ERROR, objectName_, repair);
@@ -46,7 +47,10 @@ oam_result Watch::OpenObject(unsigned long handle, unsigned int mode) {
 }
 
 oam_result Watch::CloseObject(unsigned long handle) {
-    if (readers_.Remove(handle).isWritable) TakeLimit(handle);
+    if (readers_.Remove(handle).isWritable) {
+        TakeLimit(handle);
+        TakePeriod(handle);
+    }
     return OAM_SUCCESS;
 }
 
@@ -54,11 +58,7 @@ oam_result Watch::SetKeyword(unsigned long handle, const std::string& keyword,
                              std::string_view value) {
     if (tallyKeywords().Holds(keyword)) return OAMERR_ACCESS_DENIED;
     const auto* const rule = kit::findRule(settingRules(), keyword);
-    if (!kit::sameText(keyword, kReset)) return kit::changeKeyword(handle, rule, keyword, value);
-    std::string order;
-    if (auto refused = kit::checkChange(rule, keyword, value, &order)) return refused;
-    if (order == "Yes") tallies_.Reset();
-    return OAM_SUCCESS;
+    return kit::changeKeyword(handle, rule, keyword, value);
 }
 
 oam_result Watch::GetKeyword(unsigned long handle, const std::string& keyword, char* buffer,
@@ -86,6 +86,13 @@ void Watch::TakeLimit(unsigned long handle) {
     const auto limit = readLimit(handle);
     const std::lock_guard hold(limitLock_);
     limit_ = limit;
+}
+
+void Watch::TakePeriod(unsigned long handle) {
+    auto period = readPeriod(handle);
+    if (period == period_) return;
+    period_ = std::move(period);
+    tallies_.Reset();
 }
 
 FailureLimit Watch::Limit() const {

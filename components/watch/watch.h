@@ -52,7 +52,9 @@ class Watch {
         bool isWritable = false;
     };
 
+    // What the settings of the open object say holds from now on.
     void TakeLimit(unsigned long handle);
+    void TakePeriod(unsigned long handle);
     FailureLimit Limit() const;
     std::shared_ptr<const BoardIds> Boards();
     std::optional<std::string> Computed(unsigned long handle, const std::string& keyword);
@@ -60,6 +62,7 @@ class Watch {
     const std::string objectName_;
     mutable std::mutex limitLock_;
     FailureLimit limit_;
+    std::string period_;  // under the manager lock
     BoardTallies tallies_;
     kit::HandleMap<Reader> readers_;
 };

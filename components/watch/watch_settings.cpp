@@ -7,6 +7,7 @@ namespace {
 
 constexpr const char* kFailures = "Threshold.Failures";
 constexpr const char* kWindow = "Threshold.WindowSeconds";
+constexpr const char* kPeriod = "Period";
 constexpr long long kUsualFailures = 3;
 constexpr long long kUsualWindow = 600;
 constexpr long long kLongestWindow = 7 * 24 * 60 * 60;
@@ -20,10 +21,9 @@ const std::vector<kit::KeywordRule>& settingRules() {
                         "failed operations of a board that raise an alert; 0: none do"),
         kit::numberRule(kWindow, kUsualWindow, 1, kLongestWindow,
                         "seconds for which a failure counts"),
-        {.name = std::string(kReset),
-         .value = "No",
-         .choices = {"Yes", "No"},
-         .description = "Yes forgets all counts"},
+        {.name = kPeriod,
+         .value = "",
+         .description = "any text for the counting period; another text begins a new one, from 0"},
     };
     return kRules;
 }
@@ -39,6 +39,10 @@ FailureLimit readLimit(unsigned long handle) {
     const auto window = kit::readNumber(handle, kWindow, 1, kLongestWindow, kUsualWindow);
     return {.failures = static_cast<unsigned int>(failures),
             .window = std::chrono::seconds(window)};
+}
+
+std::string readPeriod(unsigned long handle) {
+    return kit::readKeyword(handle, kPeriod).value_or("");
 }
 
 }  // namespace oam::watch

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include "failure_window.h"
@@ -11,9 +10,6 @@
 
 namespace oam::watch {
 
-// Setting it to "Yes" forgets all counts; it stays "No".
-inline constexpr std::string_view kReset = "Reset";
-
 const std::vector<kit::KeywordRule>& settingRules();
 
 // Adds what is missing and repairs what is no good; each repair is told in *repairs. Needs a handle
@@ -21,5 +17,8 @@ const std::vector<kit::KeywordRule>& settingRules();
 oam_result completeSettings(unsigned long handle, std::vector<std::string>* repairs);
 
 FailureLimit readLimit(unsigned long handle);
+
+// What the counting period is called; whoever calls it something else begins a new one.
+std::string readPeriod(unsigned long handle);
 
 }  // namespace oam::watch

@@ -64,7 +64,7 @@ TEST_F(RunningFlags, RiseOneAfterAnotherAndFallInReverse) {
             return 0u;
         };
     });
-    AddComponent("rec.emc", [&](ModuleScript& script) {
+    AddComponent("part.emc", [&](ModuleScript& script) {
         script.init = [&](const char*) {
             look();
             return 0u;

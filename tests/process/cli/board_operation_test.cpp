@@ -34,7 +34,7 @@ board: Stuck
 product: SIM-E1
 bus: 1
 slot: 3
-start: hang 1h
+start: hang 3600s
 
 board: Slow
 product: SIM-E1

@@ -23,8 +23,8 @@ TEST_F(ToolBoardQueries, TheListIsATable) {
     Out({"board", "create", "SIM-E1"});
     EXPECT_EQ(Out({"board", "list"}),
               "NUMBER  NAME          PRODUCT  BUS:SLOT  SHELF:SLOT  SERIAL     START  STOP\n"
-              "     1  SIM-E1 0      SIM-E1   0:0       -           -          no     no\n"
-              "     0  Sim IP lower  SIM-IP   2:5       3:4         SIM000205  no     no\n");
+              "     0  Sim IP lower  SIM-IP   2:5       3:4         SIM000205  no     no\n"
+              "     1  SIM-E1 0      SIM-E1   0:0       -           -          no     no\n");
 }
 
 TEST_F(ToolBoardQueries, TheListSaysWhatTheServiceWillDoByItself) {

@@ -88,7 +88,7 @@ TEST(DataFileReader, TellsWhereAMistakeIs) {
 
 TEST(DataFileReader, RefusesTagsThatDoNotMatch) {
     EXPECT_EQ(mistakeIn(withRoot("<B>< Name >x</ Name></B>")),
-              "1:52 \"</ Name>\" does not close \"<Name>\" of line 1");
+              "1:51 \"</ Name>\" does not close \"<Name>\" of line 1");
     EXPECT_NE(mistakeIn(withRoot("<B><Name>x</></b>")), "(none)");
     EXPECT_NE(mistakeIn("</x>"), "(none)");
     EXPECT_NE(mistakeIn("<OA&M Configuration ver. 1.0 - Object><B><Name>x</></B></>"), "(none)");

@@ -1,8 +1,10 @@
-// text, shadow, plugin list.
+// text, shadow, plugin list, plugin check.
 #include "tool_test.h"
 
 namespace oam::test {
 namespace {
+
+using ::testing::HasSubstr;
 
 class ToolInformation : public ToolTest {};
 
@@ -28,8 +30,10 @@ TEST_F(ToolInformation, EveryCodeIsNamedBothWays) {
 }
 
 TEST_F(ToolInformation, AnUnknownCodeIsAFailure) {
-    for (const char* code : {"0", "0x4000000A", "OAMERR_BOGUS", "", "-1"})
+    for (const char* code : {"OAMERR_BOGUS", "", "-1"})
         EXPECT_THAT(Run({"text", "--", code}), Complains(1, "the service has no code"));
+    for (const char* code : {"0", "0x4000000A"})
+        EXPECT_THAT(Run({"text", code}), Complains(1, "nobody has the code"));
 }
 
 TEST_F(ToolInformation, TextsNeedNoInstallation) {
@@ -60,6 +64,43 @@ TEST_F(ToolInformation, PlugInsAreListedWithTheirProducts) {
               "x.emc    component\n");
     const auto plugins = Json({"plugin", "list"})["plugins"];
     EXPECT_EQ(plugins[0]["products"], nlohmann::json({"SIM-E1", "SIM-IP"}));
+}
+
+TEST_F(ToolInformation, CodesOfPlugInsAreNamedByThem) {
+    AddSim();
+    EXPECT_EQ(Out({"text", "0x50000001"}), "SIM_BOARD_NOT_IN_SLOT\n");
+    EXPECT_THAT(Run({"text", "0x5000FFFF"}), Complains(1, "nobody has the code 0x5000FFFF"));
+}
+
+class ToolPluginCheck : public ToolTest {};
+
+TEST_F(ToolPluginCheck, PassesASoundPlugInFromAnywhere) {
+    AddSim();
+    EXPECT_THAT(Out({"plugin", "check", "sim.bpi"}), HasSubstr("0 errors"));
+    EXPECT_EQ(Json({"plugin", "check", home.Path("lib/sim.bpi")})["passed"], true);
+    EXPECT_TRUE(DataFiles().empty()) << "the installation is left alone";
+}
+
+TEST_F(ToolPluginCheck, FindsAFileThatWouldShareItsDataFile) {
+    AddSim();
+    std::filesystem::copy(OAM_SIM_PLUGIN, home.Path("Super.bpi"));
+    const Finished run = Run({"plugin", "check", "Super.bpi"});
+    EXPECT_EQ(run.status, 1);
+    EXPECT_THAT(run.out, HasSubstr("\"Super.bpi\" would share the data file \"Super.xmo\""));
+    std::filesystem::copy(OAM_SIM_PLUGIN, home.Path("sim.other.bpi"));
+    const Finished shared = Run({"plugin", "check", "sim.other.bpi", "--json"});
+    EXPECT_EQ(shared.status, 1);
+    const auto answer = nlohmann::json::parse(shared.out);
+    EXPECT_EQ(answer["passed"], false);
+    EXPECT_EQ(answer["sharedDataFiles"].size(), 1u);
+}
+
+TEST_F(ToolPluginCheck, RefusesWhatItCannotJudge) {
+    EXPECT_THAT(Run({"plugin", "check", "nothing.bpi"}), Complains(1, "there is no file"));
+    home.Write("lib/text.bpi", "text");
+    const Finished run = Run({"plugin", "check", "text.bpi"});
+    EXPECT_EQ(run.status, 1);
+    EXPECT_THAT(run.out, HasSubstr("shared-object"));
 }
 
 }  // namespace oam::test

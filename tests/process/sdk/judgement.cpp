@@ -13,10 +13,11 @@ std::set<std::string> Judgement::Broken() const {
     return rules;
 }
 
-std::string Judgement::Seen(const std::string& rule, const std::string& entry) const {
+std::vector<std::string> Judgement::Seen(const std::string& rule, const std::string& entry) const {
+    std::vector<std::string> seen;
     for (const auto& finding : report["findings"])
-        if (finding["rule"] == rule && finding["entry"] == entry) return finding["seen"];
-    return "";
+        if (finding["rule"] == rule && finding["entry"] == entry) seen.push_back(finding["seen"]);
+    return seen;
 }
 
 Judgement Judge(const std::filesystem::path& file, const std::vector<std::string>& options) {

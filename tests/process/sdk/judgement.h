@@ -15,8 +15,8 @@ struct Judgement {
 
     // The rules that are broken; notes break none.
     std::set<std::string> Broken() const;
-    // What was seen of a rule at an entry; "" when nothing was.
-    std::string Seen(const std::string& rule, const std::string& entry) const;
+    // What was seen of a rule at an entry.
+    std::vector<std::string> Seen(const std::string& rule, const std::string& entry) const;
 };
 
 Judgement Judge(const std::filesystem::path& file, const std::vector<std::string>& options = {});

@@ -76,9 +76,9 @@ TEST_F(TemplateInService, KeepsItsKeywordsOverARestart) {
 }
 
 TEST_F(TemplateInService, ComponentCountsErrors) {
-    Add("template-component", "demo.emc");
+    Add("template-component", "errors.emc");
     Start();
-    EXPECT_EQ(Get("demo.emc", "Errors.Seen"), "0");
+    EXPECT_EQ(Get("errors.emc", "Errors.Seen"), "0");
     const struct {
         oam_msg_tag header;
         char texts[16];
@@ -86,7 +86,7 @@ TEST_F(TemplateInService, ComponentCountsErrors) {
         {sizeof record, OAMEVN_ALERT, OAM_ERROR, sizeof(oam_msg_tag), sizeof(oam_msg_tag) + 5, 0},
         "test\0went bad"};
     EXPECT_EQ(_oamAlertNotify(&record.header), OAM_SUCCESS);
-    EXPECT_EQ(Get("demo.emc", "Errors.Seen"), "1");
+    EXPECT_EQ(Get("errors.emc", "Errors.Seen"), "1");
 }
 
 }  // namespace

@@ -11,14 +11,13 @@ class WatchSettings : public WatchTest {};
 TEST_F(WatchSettings, AreThereFromTheFirstStart) {
     EXPECT_EQ(KeywordOf(kWatch, "Threshold.Failures"), Is("3"));
     EXPECT_EQ(KeywordOf(kWatch, "Threshold.WindowSeconds"), Is("600"));
-    EXPECT_EQ(KeywordOf(kWatch, "Reset"), Is("No"));
+    EXPECT_EQ(KeywordOf(kWatch, "Period"), Is(""));
     EXPECT_EQ(QualifierOf(kWatch, "Threshold.Failures", "Type"), Is("Integer"));
     EXPECT_EQ(QualifierOf(kWatch, "Threshold.Failures", "Min"), Is("0"));
     EXPECT_EQ(QualifierOf(kWatch, "Threshold.Failures", "Max"), Is("100"));
     EXPECT_EQ(QualifierOf(kWatch, "Threshold.WindowSeconds", "Min"), Is("1"));
     EXPECT_EQ(QualifierOf(kWatch, "Threshold.WindowSeconds", "Max"), Is("604800"));
-    EXPECT_EQ(QualifierOf(kWatch, "Reset", "Choices.Count"), Is("2"));
-    EXPECT_EQ(QualifierOf(kWatch, "Reset", "Choices[0]"), Is("Yes"));
+    EXPECT_EQ(QualifierOf(kWatch, "Period", "Type"), Is("String"));
 }
 
 TEST_F(WatchSettings, RefuseWhatTheirQualifiersForbid) {
@@ -27,7 +26,7 @@ TEST_F(WatchSettings, RefuseWhatTheirQualifiersForbid) {
             << value;
     }
     EXPECT_EQ(Change(kWatch, "Threshold.WindowSeconds", "0"), OAMERR_SET_BOARD_KEYWORD_FAIL);
-    EXPECT_EQ(Change(kWatch, "Reset", "Maybe"), OAMERR_SET_BOARD_KEYWORD_FAIL);
+    EXPECT_EQ(Change(kWatch, "Period", "<new>"), OAMERR_SET_BOARD_KEYWORD_FAIL);
     EXPECT_EQ(KeywordOf(kWatch, "Threshold.Failures"), Is("3"));
 }
 
@@ -51,18 +50,20 @@ TEST_F(WatchSettings, OutliveARestart) {
     EXPECT_EQ(Warnings().size(), 1u);
 }
 
-TEST_F(WatchSettings, ForgetAllCountsWithReset) {
+TEST_F(WatchSettings, ForgetAllCountsInANewPeriod) {
     Fail();
-    ASSERT_EQ(Change(kWatch, "Reset", "yes"), OAM_SUCCESS);
-    EXPECT_EQ(KeywordOf(kWatch, "Reset"), Is("No"));
+    ASSERT_EQ(Change(kWatch, "Period", "after the repair"), OAM_SUCCESS);
+    EXPECT_EQ(KeywordOf(kWatch, "Period"), Is("after the repair"));
     EXPECT_THAT(Names(), IsEmpty());
     Succeed();
     EXPECT_EQ(Of(kBoard, "Starts.Failed"), Is("0"));
 }
 
-TEST_F(WatchSettings, ForgetNothingWithoutReset) {
+TEST_F(WatchSettings, ForgetNothingInTheSamePeriod) {
+    ASSERT_EQ(Change(kWatch, "Period", "today"), OAM_SUCCESS);
     Fail();
-    ASSERT_EQ(Change(kWatch, "Reset", "No"), OAM_SUCCESS);
+    ASSERT_EQ(Change(kWatch, "Period", "today"), OAM_SUCCESS);
+    ASSERT_EQ(Change(kWatch, "Threshold.Failures", "9"), OAM_SUCCESS);
     EXPECT_EQ(Of(kBoard, "Starts.Failed"), Is("1"));
 }
 

@@ -87,9 +87,9 @@ TEST_F(WatchThreshold, StaysAsItWasWhenAChangeIsRefused) {
     EXPECT_THAT(Warnings(), SizeIs(1));
 }
 
-TEST_F(WatchThreshold, BeginsAnewAfterAReset) {
+TEST_F(WatchThreshold, BeginsAnewInANewPeriod) {
     Fail();
-    ASSERT_EQ(Change(kWatch, "Reset", "Yes"), OAM_SUCCESS);
+    ASSERT_EQ(Change(kWatch, "Period", "new"), OAM_SUCCESS);
     Fail();
     EXPECT_THAT(Warnings(), IsEmpty());
 }

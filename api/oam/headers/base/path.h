@@ -1,7 +1,9 @@
 // Paths under the installation directory.
 #pragma once
 
-#include "oam/codes.h"
+#include <limits.h>
+
+#include "base/text.h"
 
 // The installation directory followed by the relative path, as it is. OAMERR_NOT_ENOUGH_MEMORY when
 // the directory cannot be had or the whole does not fit in `size`. The flag goes to the platform.
@@ -10,3 +12,22 @@ oam_result GetFullPath(bool flag, const char* relativePath, char* buffer, unsign
 // Makes every missing directory of the path; what follows the last "/" is a file name. The path is
 // changed and restored in between. Failures show when the file is opened.
 void CreatePathDirs(char* path) noexcept;
+
+namespace oam {
+
+// "<directory>/<name>", or "<directory><name>" for a name that begins with a slash: a path below a
+// directory of the installation, made without memory, since what protects files must not fail for
+// want of it.
+class JoinedPath {
+  public:
+    JoinedPath(const char* directory, const char* name) noexcept;
+    // Null when it is too long.
+    const char* Get() const noexcept { return fits_ ? text_ : nullptr; }
+
+  private:
+    // A directory, one directory in it, and the longest file name.
+    char text_[kPathSize + 2 * (NAME_MAX + 1)];
+    bool fits_;
+};
+
+}  // namespace oam

@@ -17,9 +17,12 @@ class FileListing {
     // The next file name with the extension (without regard to case), in directory order; null
     // after the last. Valid until the next call.
     const char* Next(const char* extension) noexcept;
+    // Whether the last Next ended the listing before the last file, because of an I/O error.
+    bool HasFailed() const noexcept { return hasFailed_; }
 
   private:
     DIR* directory_ = nullptr;
+    bool hasFailed_ = false;
 };
 
 // The heading of a listing on the debug sink.

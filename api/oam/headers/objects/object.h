@@ -90,6 +90,8 @@ class KOR_CMObject {
     oam_result DbGetProviderMode(bool* provider) noexcept;
     oam_result DbSetProviderMode(bool provider) noexcept;
     oam_result DbSetKeyword(const char* name, const char* value) noexcept;
+    // Whether the entry is there with a value; one that could not be copied has none.
+    bool HasValue(const char* keyword) const noexcept;
     oam_result DbGetKeyword(const char* name, char* buffer, unsigned size) noexcept;
     oam_result DbRemoveKeyword(const char* name) noexcept;
     oam_result DbSetQualifier(const char* keyword, const char* qualifier,
@@ -116,6 +118,7 @@ class KOR_CMObject {
     struct DataFilePath;
     oam_result BuildPath(DataFilePath* path) const noexcept;
     oam_result ReadFile(const char* path) noexcept;
+    oam_result LoadKeyword(const char* name, const char* value) noexcept;
     oam_result WriteFile(const char* path, bool sync) noexcept;
 
     oam::OwnedText name_;

@@ -159,6 +159,12 @@ class SortedTable : public PointerArray<Record> {
         return this->RemoveAt(index);
     }
 
+    // As RemoveSurely; a missing record is none.
+    void Discard(Key key) noexcept {
+        int index;
+        if (Search(key, &index)) this->RemoveSurely(index);
+    }
+
     Record* Find(Key key) const noexcept {
         int index;
         return Search(key, &index) ? this->At(index) : nullptr;

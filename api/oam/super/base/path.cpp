@@ -2,6 +2,7 @@
 
 #include <sys/stat.h>
 
+#include <cstdio>
 #include <cstring>
 
 #include "zol/zol.h"
@@ -23,3 +24,13 @@ void CreatePathDirs(char* path) noexcept {
         *slash = '/';
     }
 }
+
+namespace oam {
+
+JoinedPath::JoinedPath(const char* directory, const char* name) noexcept {
+    const char* separator = *name == '/' ? "" : "/";
+    const int length = snprintf(text_, sizeof text_, "%s%s%s", directory, separator, name);
+    fits_ = length > 0 && static_cast<size_t>(length) < sizeof text_;
+}
+
+}  // namespace oam

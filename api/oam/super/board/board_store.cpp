@@ -49,21 +49,25 @@ struct NumberText {
     char text[24];
 };
 
+oam_result storeInDatabase(const char* name, const char* number) noexcept {
+    unsigned long handle;
+    if (auto failed = _oamDbOpenObject(name, &handle,
+                                       unsigned{OAM_OPEN_WRITE} | unsigned{OAM_OPEN_PROVIDER})) {
+        return failed;
+    }
+    const oam_result stored = storeKeywords(handle, number);
+    const oam_result closed = _oamDbCloseObject(handle);
+    return stored != OAM_SUCCESS ? stored : closed;
+}
+
 // Runs under the table lock.
 oam_result makeRecord(const char* name, const CPlugin* plugin, NumberText* number) noexcept {
     BoardValues values;
     if (auto failed = boardTable().CreateUniqueNumber(&values.number)) return failed;
     number->Set(values.number);
     if (auto failed = boardTable().Insert(name, plugin, std::move(values))) return failed;
-    unsigned long handle;
-    if (auto failed = _oamDbOpenObject(name, &handle,
-                                       unsigned{OAM_OPEN_WRITE} | unsigned{OAM_OPEN_PROVIDER})) {
-        return failed;
-    }
-    const oam_result stored = storeKeywords(handle, number->text);
-    const oam_result closed = _oamDbCloseObject(handle);
-    const oam_result result = stored != OAM_SUCCESS ? stored : closed;
-    if (result != OAM_SUCCESS) (void)boardTable().Remove(name);
+    const oam_result result = storeInDatabase(name, number->text);
+    if (result != OAM_SUCCESS) boardTable().Discard(name);
     return result;
 }
 

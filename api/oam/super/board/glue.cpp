@@ -62,7 +62,7 @@ oam_result BoardDelete(const char* board) noexcept {
         // Kept: deleting a board that is not in the table succeeds.
         if (found == nullptr) return OAM_SUCCESS;
         if (auto refused = destroyBoard(*found)) return refused;
-        (void)boardTable().Remove(board);
+        boardTable().Discard(board);
     }
     (void)boardIDsShadowUpdate();
     return OAM_SUCCESS;

@@ -58,6 +58,8 @@ oam_result CArrayPtrsToMObject::ReadNewName(KOR_CMObject* object) noexcept {
     if (auto failed = object->DbGetKeyword("Name", pending_.newName, sizeof pending_.newName)) {
         return failed;
     }
+    // A name that could not be copied would leave a file that cannot be read.
+    if (!object->HasValue("Name")) return OAMERR_NOT_ENOUGH_MEMORY;
     if (strcmp(pending_.newName, object->Name()) == 0) {
         pending_.newName[0] = '\0';
         return OAM_SUCCESS;

@@ -2,6 +2,7 @@
 
 #include <errno.h>
 #include <fcntl.h>
+#include <limits.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -60,32 +61,42 @@ bool isWrittenInPlace(const char* path) noexcept {
 
 oam_result DurableFile::Finish(oam_result written) noexcept {
     if (!IsBeside()) return written;
-    if (written == OAM_SUCCESS && rename(beside_.Get(), path_) == 0) {
-        return syncDirectoryOf(path_) ? OAM_SUCCESS : OAMERR_FILE_WRITE_ERROR;
-    }
+    if (written == OAM_SUCCESS && renameDurably(beside_.Get(), path_)) return OAM_SUCCESS;
     (void)remove(beside_.Get());
     return written != OAM_SUCCESS ? written : OAMERR_FILE_WRITE_ERROR;
 }
 
-bool syncDirectoryOf(const char* path) noexcept {
-    const char* slash = strrchr(path, '/');
-    oam::OwnedText directory;
-    const size_t length = slash == nullptr ? 0 : static_cast<size_t>(slash - path);
-    if (!directory.Assign(slash == nullptr ? std::string_view(".")
-                          : length == 0    ? std::string_view("/")
-                                           : std::string_view(path, length))) {
-        return false;
+ContainingDirectory::ContainingDirectory(const char* path) noexcept {
+    char directory[PATH_MAX] = ".";
+    if (const char* slash = strrchr(path, '/')) {
+        // The root keeps its slash.
+        const size_t length = slash == path ? 1 : static_cast<size_t>(slash - path);
+        if (length >= sizeof directory) return;
+        memcpy(directory, path, length);
+        directory[length] = '\0';
     }
-    const int descriptor = open(directory.Get(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (descriptor < 0) return errno == EACCES;  // writable but not readable: nothing to sync by
+    descriptor_ = open(directory, O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    // Writable but not readable: there is nothing to sync by.
+    isOpen_ = descriptor_ >= 0 || errno == EACCES;
+}
+
+ContainingDirectory::~ContainingDirectory() {
+    if (descriptor_ >= 0) close(descriptor_);
+}
+
+bool ContainingDirectory::Sync() const noexcept {
+    if (descriptor_ < 0) return isOpen_;
     // Some file systems cannot sync a directory and keep names in order by themselves.
-    const bool synced = fsync(descriptor) == 0 || errno == EINVAL;
-    close(descriptor);
-    return synced;
+    return fsync(descriptor_) == 0 || errno == EINVAL;
+}
+
+bool renameDurably(const char* from, const char* to) noexcept {
+    const ContainingDirectory directory(to);
+    return directory.IsOpen() && rename(from, to) == 0 && directory.Sync();
 }
 
 void syncDataDirectory() noexcept {
-    char directory[oam::kPathSize];
-    if (GetFullPath(false, "/oam/cfg/", directory, sizeof directory) != OAM_SUCCESS) return;
-    (void)syncDirectoryOf(directory);
+    char inside[oam::kPathSize];
+    if (GetFullPath(false, "/oam/cfg/", inside, sizeof inside) != OAM_SUCCESS) return;
+    (void)ContainingDirectory(inside).Sync();
 }

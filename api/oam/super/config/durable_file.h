@@ -34,8 +34,27 @@ class DurableFile {
 // Whether something that is no regular file lies at the path.
 bool isWrittenInPlace(const char* path) noexcept;
 
-// Makes the names in a directory durable: the one that holds `path`. False on an I/O error.
-bool syncDirectoryOf(const char* path) noexcept;
+// The directory that holds a path, opened before a name in it is changed: what could fail for want
+// of descriptors fails before the change, and only the disk itself after it.
+class ContainingDirectory {
+  public:
+    explicit ContainingDirectory(const char* path) noexcept;
+    ~ContainingDirectory();
+    ContainingDirectory(const ContainingDirectory&) = delete;
+    ContainingDirectory& operator=(const ContainingDirectory&) = delete;
 
-// The same for the directory of the data files.
+    bool IsOpen() const noexcept { return isOpen_; }
+    // Makes the names in it durable. False on an I/O error, and when it is not open.
+    bool Sync() const noexcept;
+
+  private:
+    int descriptor_ = -1;
+    bool isOpen_ = false;
+};
+
+// Puts a file in the place of another, or of none, for good. False: not done, or (after an I/O
+// error) not known to be durable.
+bool renameDurably(const char* from, const char* to) noexcept;
+
+// Makes the names of the data files durable.
 void syncDataDirectory() noexcept;

@@ -7,9 +7,11 @@
 
 #include <cstdio>
 
-#include "base/text.h"
+#include "base/path.h"
 #include "durable_file.h"
 #include "loading/listing.h"
+
+using oam::JoinedPath;
 
 namespace {
 
@@ -20,22 +22,6 @@ constexpr char kNoLongerUsed[] = "/import-aside.old";  // being removed
 constexpr char kRefused[] = "/import-refused";
 constexpr mode_t kDirectoryMode = 0777;  // the process's umask applies
 
-// "<directory><name>" or "<directory>/<name>".
-class JoinedPath {
-  public:
-    JoinedPath(const char* directory, const char* name) noexcept {
-        oam::OwnedText prefix;
-        if (*name == '/' ? prefix.Assign(directory) : prefix.Join(directory, "/")) {
-            (void)path_.Join(prefix.Get(), name);
-        }
-    }
-    // Null when there was no memory.
-    const char* Get() const noexcept { return path_.Get(); }
-
-  private:
-    oam::OwnedText path_;
-};
-
 // Calls visit(file name) for every data file of a directory; stops at the first false.
 template <class Visit>
 bool forEachDataFile(const char* directory, Visit visit) noexcept {
@@ -44,7 +30,7 @@ bool forEachDataFile(const char* directory, Visit visit) noexcept {
     while (const char* name = listing.Next(kDataFileExtension)) {
         if (!visit(name)) return false;
     }
-    return true;
+    return !listing.HasFailed();
 }
 
 bool copyData(int from, int to) noexcept {
@@ -98,7 +84,7 @@ void removeTree(const char* directory) noexcept {
 
 bool syncDirectory(const char* directory) noexcept {
     const JoinedPath inside(directory, ".");
-    return inside.Get() != nullptr && syncDirectoryOf(inside.Get());
+    return inside.Get() != nullptr && ContainingDirectory(inside.Get()).Sync();
 }
 
 void removeNamed(const char* directory, const char* name) noexcept {
@@ -110,7 +96,7 @@ bool renameNamed(const char* directory, const char* from, const char* to) noexce
     const JoinedPath source(directory, from);
     const JoinedPath target(directory, to);
     return source.Get() != nullptr && target.Get() != nullptr &&
-           rename(source.Get(), target.Get()) == 0 && syncDirectory(directory);
+           renameDurably(source.Get(), target.Get());
 }
 
 }  // namespace

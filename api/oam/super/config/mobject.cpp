@@ -109,6 +109,11 @@ oam_result KOR_CMObject::DbSetKeyword(const char* name, const char* value) noexc
     return keywords_.Set(name, value, MayProvide());
 }
 
+bool KOR_CMObject::HasValue(const char* keyword) const noexcept {
+    int index;
+    return keywords_.Find(keyword, &index) && keywords_.At(index)->Value() != nullptr;
+}
+
 oam_result KOR_CMObject::DbGetKeyword(const char* name, char* buffer, unsigned size) noexcept {
     if (!IsOpen()) return OAMERR_ACCESS_DENIED;
     return keywords_.Get(name, buffer, size);

@@ -35,8 +35,7 @@ oam_result KOR_CMObject::EndCreation() noexcept {
     beingCreated_ = false;
     DataFilePath final;
     if (auto failed = BuildPath(&final)) return failed;
-    const bool renamed = rename(made.text, final.text) == 0;
-    return renamed && syncDirectoryOf(final.text) ? OAM_SUCCESS : OAMERR_FILE_WRITE_ERROR;
+    return renameDurably(made.text, final.text) ? OAM_SUCCESS : OAMERR_FILE_WRITE_ERROR;
 }
 
 oam_result KOR_CMObject::Load() noexcept {
@@ -59,13 +58,19 @@ oam_result KOR_CMObject::ReadFile(const char* path) noexcept {
     CXmlImport::eTokenType kind = reader.GetNextKeyword();
     while (kind == CXmlImport::kText && result == OAM_SUCCESS) {
         result = strcmp(reader.ObjectName(), Name()) == 0
-                     ? DbSetKeyword(reader.Keyword(), reader.Value())
+                     ? LoadKeyword(reader.Keyword(), reader.Value())
                      : OAMERR_FILE_READ_ERROR;
         if (result == OAM_SUCCESS) kind = reader.GetNextKeyword();
     }
     if (kind != CXmlImport::kEndOfFile) result = OAMERR_FILE_READ_ERROR;
     if (reader.Close() != 0) result = OAMERR_FILE_READ_ERROR;
     return result;
+}
+
+// A value that could not be copied is no failure of a change, but here the next save would lose it.
+oam_result KOR_CMObject::LoadKeyword(const char* name, const char* value) noexcept {
+    if (auto failed = DbSetKeyword(name, value)) return failed;
+    return HasValue(name) ? OAM_SUCCESS : OAMERR_NOT_ENOUGH_MEMORY;
 }
 
 oam_result KOR_CMObject::Save() noexcept {

@@ -1,10 +1,13 @@
 // The start-up scan: every data file of the configuration directory becomes an object.
 //
 // A file that cannot be opened stops the start; one that can be opened but not read to its end is
-// renamed to "*.bak" and told in an alert. Before the scan, what a death left behind is put right:
+// renamed to "*.bak" and told in an alert, unless it is not the file that is at fault. Before the scan, what a death left behind is put right:
 // an unfinished import is rolled back and files that were not finished are removed.
 
+#include <errno.h>
+
 #include <cstdio>
+#include <cstring>
 
 #include "base/path.h"
 #include "doors/alert.h"
@@ -30,12 +33,26 @@ void clearFiles(const char* directory, const char* suffix) noexcept {
     oam::FileListing listing;
     if (!listing.Open(directory)) return;
     while (const char* fileName = listing.Next(suffix)) {
-        oam::OwnedText path;
-        oam::OwnedText prefix;
-        if (prefix.Join(directory, "/") && path.Join(prefix.Get(), fileName)) {
-            (void)remove(path.Get());
-        }
+        const oam::JoinedPath path(directory, fileName);
+        if (path.Get() != nullptr) (void)remove(path.Get());
     }
+}
+
+// Whether a second look, which needs no memory, finds nothing wrong with an object's file. Then
+// memory ran out or the disk failed for a moment, and the object must not be dropped for that.
+bool isSound(const char* path, const char* object) noexcept {
+    CXmlImport reader;
+    if (reader.Open(path, kObjectRoot) != 0) return true;
+    CXmlImport::eTokenType kind = reader.GetNextKeyword();
+    while (kind == CXmlImport::kText && strcmp(reader.ObjectName(), object) == 0) {
+        kind = reader.GetNextKeyword();
+    }
+    return kind == CXmlImport::kEndOfFile;
+}
+
+// The directory may well be there, with data files in it.
+bool isOutOfMeans(int error) noexcept {
+    return error == EMFILE || error == ENFILE || error == ENOMEM || error == EIO;
 }
 
 }  // namespace
@@ -57,10 +74,13 @@ oam_result CMObjMgr::Init() noexcept {
 oam_result CMObjMgr::ScanDataFiles(const char* directory) noexcept {
     oam::FileListing listing;
     if (!listing.Open(directory)) {
+        // New objects would take the files of those that were not seen.
+        if (isOutOfMeans(errno)) return OAMERR_FILE_READ_ERROR;
         DebugOutput("Directory for managed object data files \"%s\" not found.\n", directory);
         return OAM_SUCCESS;
     }
     const char* fileName = listing.Next(kDataFileExtension);
+    if (listing.HasFailed()) return OAMERR_FILE_READ_ERROR;
     if (fileName == nullptr) {
         DebugOutput("No managed object data files found.\n");
         return EnsureSupervisor();
@@ -77,7 +97,7 @@ oam_result CMObjMgr::ScanDataFiles(const char* directory) noexcept {
         }
     }
     DebugOutput("\n");
-    return EnsureSupervisor();
+    return listing.HasFailed() ? OAMERR_FILE_READ_ERROR : EnsureSupervisor();
 }
 
 // 0 also when the file was rejected; a failure stops the scan.
@@ -96,7 +116,10 @@ oam_result CMObjMgr::LoadDataFile(const char* path, const char* fileName) noexce
     unsigned long handle;
     const oam_result opened = DbOpenObject(OAM_INTERNAL_CLIENT, name, &handle, OAM_OPEN_READ);
     if (opened == OAM_SUCCESS) (void)DbCloseObject(handle);
-    if (opened == OAMERR_FILE_READ_ERROR) return RejectDataFile(path, fileName, name);
+    if (opened == OAMERR_FILE_READ_ERROR) {
+        if (isSound(path, Find(name)->Name())) return opened;
+        return RejectDataFile(path, fileName, name);
+    }
     (void)AlertNotify(OAMEVN_ALERT, OAM_INFORMATION, "Config", "%s DONE", fileName);
     return OAM_SUCCESS;
 }

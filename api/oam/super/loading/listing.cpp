@@ -1,5 +1,6 @@
 #include "loading/listing.h"
 
+#include <errno.h>
 #include <sys/stat.h>
 
 #include <ctime>
@@ -20,9 +21,12 @@ bool FileListing::Open(const char* directory) noexcept {
 }
 
 const char* FileListing::Next(const char* extension) noexcept {
+    errno = 0;
     while (const dirent* entry = readdir(directory_)) {
         if (EqualNoCase(LastExtension(entry->d_name), extension)) return entry->d_name;
+        errno = 0;
     }
+    hasFailed_ = errno != 0;
     return nullptr;
 }
 
