@@ -111,7 +111,7 @@ constexpr CommandRow kRows[] = {
     {"plugin", "list", "List the loaded plug-ins with their products, and the components",
      "oam plugin list", Make<PluginListCommand>},
     {"plugin", "check", "Judge a plug-in or component as its kit does, and its name for this place",
-     "oam plugin check sim.bpi", Make<PluginCheckCommand>},
+     "oam plugin check watch.emc", Make<PluginCheckCommand>},
 };
 
 }  // namespace

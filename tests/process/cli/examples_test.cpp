@@ -73,6 +73,7 @@ class ToolExamples : public ToolTest {
     static void RunInAnInstallation(const std::string& example) {
         Installation place;
         std::filesystem::copy_file(OAM_SIM_PLUGIN, place.Path("lib/sim.bpi"));
+        std::filesystem::copy_file(OAM_WATCH_COMPONENT, place.Path("lib/watch.emc"));
         place.Write("command.txt", "temperature 400\n");
         const bool isAddition = example.find("board add") != std::string::npos;
         if (!isAddition)

@@ -69,26 +69,31 @@ TEST_F(ToolInformation, PlugInsAreListedWithTheirProducts) {
 TEST_F(ToolInformation, CodesOfPlugInsAreNamedByThem) {
     AddSim();
     EXPECT_EQ(Out({"text", "0x50000001"}), "SIM_BOARD_NOT_IN_SLOT\n");
-    EXPECT_THAT(Run({"text", "0x5000FFFF"}), Complains(1, "nobody has the code 0x5000FFFF"));
+    EXPECT_THAT(Run({"text", "0x5000FFFF"}), Complains(1, "nobody has the code 0x5000ffff"));
 }
 
-class ToolPluginCheck : public ToolTest {};
+class ToolPluginCheck : public ToolTest {
+  protected:
+    void AddWatch(const std::string& as) const {
+        std::filesystem::copy(OAM_WATCH_COMPONENT, home.Path(as));
+    }
+};
 
 TEST_F(ToolPluginCheck, PassesASoundPlugInFromAnywhere) {
-    AddSim();
-    EXPECT_THAT(Out({"plugin", "check", "sim.bpi"}), HasSubstr("0 errors"));
-    EXPECT_EQ(Json({"plugin", "check", home.Path("lib/sim.bpi")})["passed"], true);
+    AddWatch("lib/watch.emc");
+    EXPECT_THAT(Out({"plugin", "check", "watch.emc"}), HasSubstr("0 errors"));
+    EXPECT_EQ(Json({"plugin", "check", home.Path("lib/watch.emc")})["passed"], true);
     EXPECT_TRUE(DataFiles().empty()) << "the installation is left alone";
 }
 
 TEST_F(ToolPluginCheck, FindsAFileThatWouldShareItsDataFile) {
     AddSim();
-    std::filesystem::copy(OAM_SIM_PLUGIN, home.Path("Super.bpi"));
-    const Finished run = Run({"plugin", "check", "Super.bpi"});
+    AddWatch("Super.emc");
+    const Finished run = Run({"plugin", "check", "Super.emc"});
     EXPECT_EQ(run.status, 1);
-    EXPECT_THAT(run.out, HasSubstr("\"Super.bpi\" would share the data file \"Super.xmo\""));
-    std::filesystem::copy(OAM_SIM_PLUGIN, home.Path("sim.other.bpi"));
-    const Finished shared = Run({"plugin", "check", "sim.other.bpi", "--json"});
+    EXPECT_THAT(run.out, HasSubstr("\"Super.emc\" would share the data file \"Super.xmo\""));
+    AddWatch("sim.other.emc");
+    const Finished shared = Run({"plugin", "check", "sim.other.emc", "--json"});
     EXPECT_EQ(shared.status, 1);
     const auto answer = nlohmann::json::parse(shared.out);
     EXPECT_EQ(answer["passed"], false);
