@@ -172,9 +172,10 @@ void KorSharedFile::Close() noexcept {
 }
 
 bool KorSharedFile::IsWhole() const noexcept {
+    if (data_ == nullptr) return false;
     struct stat status {};
-    return data_ != nullptr && fstat(descriptor_, &status) == 0 &&
-           status.st_size >= static_cast<off_t>(size_);
+    // Who cannot look knows nothing; a held lock must not be given up for that.
+    return fstat(descriptor_, &status) != 0 || status.st_size >= static_cast<off_t>(size_);
 }
 
 bool KorSharedFile::IsSameFile(const KorSharedFile& other) const noexcept {

@@ -56,7 +56,9 @@ void operator delete(void* memory, const std::nothrow_t&) noexcept { std::free(m
 void operator delete[](void* memory, const std::nothrow_t&) noexcept { std::free(memory); }
 
 extern "C" void* __real_calloc(std::size_t count, std::size_t size);
-extern "C" void* __wrap_calloc(std::size_t count, std::size_t size);
+// Visible, since the run-time library of a sanitizer calls it too.
+extern "C" __attribute__((visibility("default"))) void* __wrap_calloc(std::size_t count,
+                                                                      std::size_t size);
 extern "C" void* __wrap_calloc(std::size_t count, std::size_t size) {
     return blowsNow() ? nullptr : __real_calloc(count, size);
 }

@@ -75,6 +75,7 @@ class KOR_CMObject {
     oam_result Save(CXmlExport& exporter) noexcept;
     // OAMERR_NOT_FOUND when there was none.
     oam_result RemoveFile() noexcept;
+    bool HasFile() const noexcept;
     // From BeginCreation on the data file lies under a name that no start reads; EndCreation gives
     // it its own. So a creation that its process does not survive leaves no half-made object
     // behind. OAMERR_FILE_WRITE_ERROR.

@@ -117,7 +117,11 @@ oam_result setDataFilesAside(const char* directory) noexcept {
 
 bool dropDataFilesAside(const char* directory) noexcept {
     removeNamed(directory, kNoLongerUsed);
-    if (!renameNamed(directory, kAside, kNoLongerUsed)) return false;
+    if (!renameNamed(directory, kAside, kNoLongerUsed)) {
+        // Renamed but not known to be durable: the caller still needs what is in there.
+        (void)renameNamed(directory, kNoLongerUsed, kAside);
+        return false;
+    }
     removeNamed(directory, kNoLongerUsed);
     return true;
 }

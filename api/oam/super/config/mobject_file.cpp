@@ -1,5 +1,7 @@
 // KOR_CMObject: its data file, "/oam/cfg/" and the data file name under the installation directory.
 
+#include <sys/stat.h>
+
 #include <cstdio>
 #include <utility>
 
@@ -104,6 +106,12 @@ oam_result KOR_CMObject::Save(CXmlExport& exporter) noexcept {
     }
     written = exporter.EndDir(name) == 0 && written;
     return written ? OAM_SUCCESS : OAMERR_FILE_WRITE_ERROR;
+}
+
+bool KOR_CMObject::HasFile() const noexcept {
+    DataFilePath path;
+    struct stat status;
+    return BuildPath(&path) == OAM_SUCCESS && lstat(path.text, &status) == 0;
 }
 
 oam_result KOR_CMObject::RemoveFile() noexcept {

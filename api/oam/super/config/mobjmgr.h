@@ -19,7 +19,7 @@ class CMObjMgr : public CArrayPtrsToMObject {
     // Kept: without the directory the result is 0 and there is no Supervisor.
     oam_result Init() noexcept;
     // Destroys every object and keeps the files.
-    void Exit() noexcept { RemoveAll(false); }
+    void Exit() noexcept { (void)RemoveAll(false); }
 
     oam_result Export(const char* fileName) noexcept;
     oam_result Import(const char* fileName) noexcept;
@@ -39,6 +39,7 @@ class CMObjMgr : public CArrayPtrsToMObject {
                                      const char* product) noexcept;
     oam_result ScanDataFiles(const char* directory) noexcept;
     oam_result LoadDataFile(const char* path, const char* fileName) noexcept;
+    oam_result TryToLoad(const char* object) noexcept;
     oam_result RejectDataFile(const char* path, const char* fileName, const char* object) noexcept;
     oam_result WriteExport(const char* path, bool sync) noexcept;
     oam_result ReadImport(CXmlImport* reader) noexcept;

@@ -106,12 +106,14 @@ oam_result CArrayPtrsToMObject::RemoveFile(const char* name) noexcept {
     return object->OpenCount() == 0 ? object->RemoveFile() : OAMERR_ACCESS_DENIED;
 }
 
-void CArrayPtrsToMObject::RemoveAll(bool removeFiles) noexcept {
+bool CArrayPtrsToMObject::RemoveAll(bool removeFiles) noexcept {
+    bool areGone = true;
     for (int i = 0; i < Count(); ++i) {
         openObjects().RemoveAllOf(At(i));
-        if (removeFiles) (void)At(i)->RemoveFile();
+        if (removeFiles && At(i)->RemoveFile() != OAM_SUCCESS && At(i)->HasFile()) areGone = false;
     }
     PointerArray::RemoveAll();
+    return areGone;
 }
 
 oam_result CArrayPtrsToMObject::RemoveAllBoards() noexcept {

@@ -34,7 +34,8 @@ class CArrayPtrsToMObject : public oam::NamedTable<KOR_CMObject> {
     oam_result Remove(const char* name) noexcept;
     oam_result RemoveFile(const char* name) noexcept;
     // Destroys every object, without traps and alerts.
-    void RemoveAll(bool removeFiles) noexcept;
+    // False when a data file that was to be removed is still there.
+    bool RemoveAll(bool removeFiles) noexcept;
     oam_result RemoveAllBoards() noexcept;
     bool AnyOpen() const noexcept;
 

@@ -38,6 +38,16 @@ void clearFiles(const char* directory, const char* suffix) noexcept {
     }
 }
 
+// A read that failed is tried once more: it tells nothing of the file's content.
+bool reachFirstKeyword(CXmlImport& reader, const char* path) noexcept {
+    CXmlImport::eTokenType kind = reader.GetNextKeyword();
+    if (kind == CXmlImport::kReadError) {
+        (void)reader.Close();
+        if (reader.Open(path, kObjectRoot) == 0) kind = reader.GetNextKeyword();
+    }
+    return kind == CXmlImport::kText;
+}
+
 // Whether a second look, which needs no memory, finds nothing wrong with an object's file. Then
 // memory ran out or the disk failed for a moment, and the object must not be dropped for that.
 bool isSound(const char* path, const char* object) noexcept {
@@ -104,24 +114,31 @@ oam_result CMObjMgr::ScanDataFiles(const char* directory) noexcept {
 oam_result CMObjMgr::LoadDataFile(const char* path, const char* fileName) noexcept {
     CXmlImport reader;
     if (reader.Open(path, kObjectRoot) != 0) return OAMERR_FILE_READ_ERROR;
-    if (reader.GetNextKeyword() != CXmlImport::kText) {
-        return RejectDataFile(path, fileName, nullptr);
-    }
+    if (!reachFirstKeyword(reader, path)) return RejectDataFile(path, fileName, nullptr);
     const char* name = reader.ObjectName();
     const oam_result inserted = Insert(name, fileName);
     if (inserted == OAMERR_ALREADY_EXISTS) return RejectDataFile(path, fileName, nullptr);
     if (inserted != OAM_SUCCESS) return inserted;
-    if (reader.Close() != 0) return RejectDataFile(path, fileName, name);
+    const char* registered = Find(name)->Name();
+    const bool isClosed = reader.Close() == 0;
+    if (!isClosed && !isSound(path, registered)) return RejectDataFile(path, fileName, registered);
 
-    unsigned long handle;
-    const oam_result opened = DbOpenObject(OAM_INTERNAL_CLIENT, name, &handle, OAM_OPEN_READ);
-    if (opened == OAM_SUCCESS) (void)DbCloseObject(handle);
+    oam_result opened = TryToLoad(registered);
     if (opened == OAMERR_FILE_READ_ERROR) {
-        if (isSound(path, Find(name)->Name())) return opened;
-        return RejectDataFile(path, fileName, name);
+        if (!isSound(path, registered)) return RejectDataFile(path, fileName, registered);
+        opened = TryToLoad(registered);
+        if (opened == OAMERR_FILE_READ_ERROR) return opened;
     }
     (void)AlertNotify(OAMEVN_ALERT, OAM_INFORMATION, "Config", "%s DONE", fileName);
     return OAM_SUCCESS;
+}
+
+// A full load as a check.
+oam_result CMObjMgr::TryToLoad(const char* object) noexcept {
+    unsigned long handle;
+    const oam_result opened = DbOpenObject(OAM_INTERNAL_CLIENT, object, &handle, OAM_OPEN_READ);
+    if (opened == OAM_SUCCESS) (void)DbCloseObject(handle);
+    return opened;
 }
 
 // `object` names what was inserted for the file, or is null.

@@ -67,8 +67,8 @@ oam_result CMObjMgr::Import(const char* fileName) noexcept {
         (void)BoardCommInit();
         return failed;
     }
-    RemoveAll(true);
-    oam_result result = ReadImport(&reader);
+    // An old file that stays would come back beside the new objects.
+    oam_result result = RemoveAll(true) ? ReadImport(&reader) : OAMERR_FILE_WRITE_ERROR;
     if (result == OAM_SUCCESS) result = EnsureSupervisor();
     if (result == OAM_SUCCESS) result = BoardCommInit();
     if (result == OAM_SUCCESS) {
@@ -76,7 +76,7 @@ oam_result CMObjMgr::Import(const char* fileName) noexcept {
         BoardCommExit();
         result = OAMERR_FILE_WRITE_ERROR;
     }
-    RemoveAll(true);
+    (void)RemoveAll(true);
     keepDataFilesAside(directory);
     (void)Init();
     (void)BoardCommInit();
@@ -100,6 +100,9 @@ oam_result CMObjMgr::ReadImport(CXmlImport* reader) noexcept {
         }
         if (result == OAM_SUCCESS) {
             result = DbSetKeyword(handle, reader->Keyword(), reader->Value());
+        }
+        if (result == OAM_SUCCESS && !getObjectFromHandle(handle)->HasValue(reader->Keyword())) {
+            result = OAMERR_NOT_ENOUGH_MEMORY;
         }
     }
     if (result == OAM_SUCCESS && kind != CXmlImport::kEndOfFile) result = OAMERR_FILE_READ_ERROR;
