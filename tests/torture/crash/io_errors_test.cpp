@@ -103,10 +103,7 @@ TEST_P(Disturbed, AtAnyCallAnswersADocumentedCodeAndLosesNothing) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Each, Disturbed, testing::ValuesIn(Operations()), [](const auto& row) {
-    std::string name;
-    for (const char* letter = row.param.name; *letter != '\0'; ++letter)
-        if (*letter != ' ') name += *letter;
-    return name;
+    return NameOf(row.param);
 });
 
 }  // namespace

@@ -61,10 +61,7 @@ TEST_P(Killed, BeforeAnyCallLeavesTheOldStateOrTheNew) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Each, Killed, testing::ValuesIn(Operations()), [](const auto& row) {
-    std::string name;
-    for (const char* letter = row.param.name; *letter != '\0'; ++letter)
-        if (*letter != ' ') name += *letter;
-    return name;
+    return NameOf(row.param);
 });
 
 }  // namespace

@@ -89,6 +89,12 @@ const std::vector<Operation>& Operations() {
     return kOperations;
 }
 
+std::string NameOf(const Operation& operation) {
+    std::string name = operation.name;
+    std::erase(name, ' ');
+    return name;
+}
+
 int Perform(const Host& host, const Operation& operation) {
     if (!operation.isStart && _oamInit() != OAM_SUCCESS) return 1;
     TraceFromHere();

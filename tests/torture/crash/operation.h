@@ -26,6 +26,8 @@ struct Operation {
 };
 
 const std::vector<Operation>& Operations();
+// The name without its blanks, for a test.
+std::string NameOf(const Operation& operation);
 
 // What must be found: before the operation, and after it succeeded.
 struct States {

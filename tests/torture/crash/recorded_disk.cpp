@@ -1,0 +1,264 @@
+#include "recorded_disk.h"
+
+#include <fcntl.h>
+#include <sys/syscall.h>
+#include <sys/uio.h>
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <set>
+
+namespace oam::torture {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+std::string bytesAt(pid_t process, unsigned long address, std::size_t size) {
+    std::string bytes(size, '\0');
+    const iovec here = {bytes.data(), size};
+    const iovec there = {reinterpret_cast<void*>(address), size};
+    const ssize_t got = process_vm_readv(process, &here, 1, &there, 1, 0);
+    bytes.resize(got > 0 ? static_cast<std::size_t>(got) : 0);
+    return bytes;
+}
+
+// A page's rest at a time: what lies behind the text may not be mapped.
+std::string textAt(pid_t process, unsigned long address) {
+    constexpr unsigned long kPage = 4096;
+    std::string text;
+    while (text.size() < kPage) {
+        const std::string part = bytesAt(process, address, kPage - address % kPage);
+        if (part.empty()) return text;
+        const std::size_t end = part.find('\0');
+        text += part.substr(0, end);
+        if (end != std::string::npos) return text;
+        address += part.size();
+    }
+    return text;
+}
+
+}  // namespace
+
+RecordedDisk::RecordedDisk(std::string directory) : directory_(std::move(directory)) {
+    for (const auto& entry : fs::recursive_directory_iterator(directory_)) {
+        if (!entry.is_regular_file()) continue;
+        std::ifstream file(entry.path(), std::ios::binary);
+        const std::string data{std::istreambuf_iterator<char>(file),
+                               std::istreambuf_iterator<char>()};
+        names_[Below(entry.path())] = nextInode_;
+        first_[nextInode_] = {data, data};
+        data_[nextInode_] = data;
+        ++nextInode_;
+    }
+    firstNames_ = names_;
+}
+
+// Empty for what lies elsewhere; "." for the directory itself.
+std::string RecordedDisk::Below(const std::string& path) const {
+    const std::string normal = fs::path(path).lexically_normal();
+    if (normal == directory_ || normal == directory_ + '/') return ".";
+    if (!normal.starts_with(directory_ + '/')) return "";
+    std::string below = normal.substr(directory_.size() + 1);
+    if (below.ends_with('/')) below.pop_back();
+    return below;
+}
+
+void RecordedDisk::Observe(const SystemCall& call, long result) {
+    if (result < 0) return;
+    const auto& arguments = call.arguments;
+    const auto path = [&](std::size_t index) {
+        return Below(textAt(call.thread, arguments[index]));
+    };
+    switch (call.number) {
+        case SYS_openat:
+            return Opened(path(1), static_cast<int>(arguments[2]), static_cast<int>(result));
+        case SYS_open:
+            return Opened(path(0), static_cast<int>(arguments[1]), static_cast<int>(result));
+        case SYS_close:
+            descriptors_.erase(static_cast<int>(arguments[0]));
+            return;
+        case SYS_write:
+            return Written(call, result);
+        case SYS_fsync:
+            return Synced(static_cast<int>(arguments[0]));
+        case SYS_rename:
+            if (!path(0).empty()) Add({Event::Kind::kRename, path(0), path(1), -1, ""});
+            return;
+        case SYS_link:
+            if (!path(0).empty()) Add({Event::Kind::kLink, path(0), path(1), -1, ""});
+            return;
+        case SYS_unlink:
+        case SYS_rmdir:
+            if (!path(0).empty()) Add({Event::Kind::kRemove, path(0), "", -1, ""});
+            return;
+        default:
+            return;
+    }
+}
+
+void RecordedDisk::Opened(const std::string& path, int flags, int descriptor) {
+    if (path.empty()) return;
+    if ((flags & O_DIRECTORY) != 0) {
+        descriptors_[descriptor] = {path, -1};
+        return;
+    }
+    if (names_.count(path) == 0) {
+        if ((flags & O_CREAT) == 0) return;
+        Add({Event::Kind::kCreate, path, "", nextInode_++, ""});
+    }
+    const int inode = names_.at(path);
+    if ((flags & O_TRUNC) != 0 && !data_[inode].empty())
+        Add({Event::Kind::kData, path, "", inode, ""});
+    descriptors_[descriptor] = {path, inode};
+}
+
+// All of ours are written from the beginning to the end.
+void RecordedDisk::Written(const SystemCall& call, long result) {
+    const auto found = descriptors_.find(static_cast<int>(call.arguments[0]));
+    if (found == descriptors_.end() || found->second.second < 0) return;
+    const int inode = found->second.second;
+    const auto written =
+        bytesAt(call.thread, call.arguments[1], static_cast<std::size_t>(result));
+    Add({Event::Kind::kData, found->second.first, "", inode, data_[inode] + written});
+}
+
+void RecordedDisk::Synced(int descriptor) {
+    const auto found = descriptors_.find(descriptor);
+    if (found == descriptors_.end()) return;
+    const auto& [path, inode] = found->second;
+    Add({inode < 0 ? Event::Kind::kSyncNames : Event::Kind::kSyncData, path, "", inode, ""});
+}
+
+void RecordedDisk::Add(Event event) {
+    if (event.kind == Event::Kind::kData) data_[event.inode] = event.data;
+    Apply(event, &names_);
+    events_.push_back(std::move(event));
+}
+
+void RecordedDisk::Apply(const Event& event, Names* names) {
+    switch (event.kind) {
+        case Event::Kind::kCreate:
+            (*names)[event.path] = event.inode;
+            return;
+        case Event::Kind::kRemove:
+            names->erase(event.path);
+            return;
+        case Event::Kind::kLink:
+            if (names->count(event.path) != 0) (*names)[event.target] = names->at(event.path);
+            return;
+        case Event::Kind::kRename: {
+            Names moved;
+            for (auto name = names->begin(); name != names->end();) {
+                const bool isInside = name->first.starts_with(event.path + '/');
+                if (name->first != event.path && !isInside) {
+                    ++name;
+                    continue;
+                }
+                moved[event.target + name->first.substr(event.path.size())] = name->second;
+                name = names->erase(name);
+            }
+            for (const auto& [path, inode] : moved) (*names)[path] = inode;
+            return;
+        }
+        case Event::Kind::kData:
+        case Event::Kind::kSyncData:
+        case Event::Kind::kSyncNames:
+            return;
+    }
+}
+
+// The directory whose fsync makes a name change durable.
+std::string RecordedDisk::PlaceOf(const Event& event) {
+    const fs::path path = event.target.empty() ? event.path : event.target;
+    return path.parent_path().empty() ? "." : path.parent_path().string();
+}
+
+// Goes through the events with what is synced and what is not.
+class PossibleDisks {
+  public:
+    explicit PossibleDisks(const RecordedDisk& disk)
+        : synced_(disk.firstNames_), inodes_(disk.first_) {}
+
+    void Pass(const RecordedDisk::Event& event) {
+        using Kind = RecordedDisk::Event::Kind;
+        ++passed_;
+        if (event.kind == Kind::kData) {
+            inodes_[event.inode].data = event.data;
+        } else if (event.kind == Kind::kSyncData) {
+            inodes_[event.inode].synced = inodes_[event.inode].data;
+        } else if (event.kind == Kind::kSyncNames) {
+            SyncNames(event.path);
+        } else {
+            pending_.push_back(event);
+        }
+        AddAll();
+    }
+
+    std::vector<RecordedDisk::State> Take() { return std::move(states_); }
+
+  private:
+    // How much of the data that is not synced is there.
+    enum class Data { kWhole, kHalf, kOld };
+    static constexpr std::size_t kMostVariants = 12;
+
+    void SyncNames(const std::string& directory) {
+        std::vector<RecordedDisk::Event> left;
+        for (const auto& event : pending_) {
+            if (RecordedDisk::PlaceOf(event) == directory) {
+                RecordedDisk::Apply(event, &synced_);
+            } else {
+                left.push_back(event);
+            }
+        }
+        pending_ = std::move(left);
+    }
+
+    void AddAll() {
+        const std::size_t count = pending_.size();
+        const auto none = [](std::size_t) { return false; };
+        const auto all = [](std::size_t) { return true; };
+        Add("none of the names", none, Data::kWhole);
+        for (const Data data : {Data::kWhole, Data::kHalf, Data::kOld}) Add("all names", all, data);
+        const std::size_t step = count / kMostVariants + 1;
+        for (std::size_t chosen = 0; chosen < count; chosen += step) {
+            const std::string which = std::to_string(chosen) + " of " + std::to_string(count);
+            Add("all names but " + which, [=](std::size_t i) { return i != chosen; }, Data::kWhole);
+            Add("names before " + which, [=](std::size_t i) { return i < chosen; }, Data::kWhole);
+            Add("only name " + which, [=](std::size_t i) { return i == chosen; }, Data::kHalf);
+        }
+    }
+
+    template <class Chosen>
+    void Add(const std::string& what, const Chosen& chosen, Data data) {
+        auto names = synced_;
+        for (std::size_t i = 0; i < pending_.size(); ++i)
+            if (chosen(i)) RecordedDisk::Apply(pending_[i], &names);
+        Files files;
+        for (const auto& [path, inode] : names) files[path] = DataOf(inodes_[inode], data);
+        if (!seen_.insert(files).second) return;
+        states_.push_back({passed_, what, std::move(files)});
+    }
+
+    static std::string DataOf(const RecordedDisk::Inode& inode, Data data) {
+        if (data == Data::kOld) return inode.synced;
+        if (data == Data::kWhole || inode.data == inode.synced) return inode.data;
+        return inode.data.substr(0, inode.data.size() / 2);
+    }
+
+    RecordedDisk::Names synced_;
+    std::map<int, RecordedDisk::Inode> inodes_;
+    std::vector<RecordedDisk::Event> pending_;
+    std::size_t passed_ = 0;
+    std::set<Files> seen_;
+    std::vector<RecordedDisk::State> states_;
+};
+
+std::vector<RecordedDisk::State> RecordedDisk::States() const {
+    PossibleDisks disks(*this);
+    for (const Event& event : events_) disks.Pass(event);
+    return disks.Take();
+}
+
+}  // namespace oam::torture

@@ -1,0 +1,73 @@
+// What a traced process does to the files below one directory, and what of it a disk may hold when
+// the power fails.
+//
+// A disk has what was synced: a file's data by its own fsync, a name by the fsync of its directory.
+// Everything since may be there or not, each name change by itself and each file's data wholly, by
+// half or not at all; no order is taken for granted.
+#pragma once
+
+#include <map>
+#include <string>
+#include <vector>
+
+#include "traced_child.h"
+
+namespace oam::torture {
+
+// Path below the directory ("cfg/Obj1.xmo") to content.
+using Files = std::map<std::string, std::string>;
+
+class RecordedDisk {
+  public:
+    // Everything that lies below the directory now is on the disk. Call it before the run.
+    explicit RecordedDisk(std::string directory);
+
+    // To be given to RunTraced.
+    void Observe(const SystemCall& call, long result);
+
+    // One possible disk each: after each event, nothing of what is unsynced, all of it, all but one,
+    // only the first ones; with its data whole, half or empty.
+    struct State {
+        std::size_t event;  // how many events had happened
+        std::string what;   // for messages
+        Files files;
+    };
+    std::vector<State> States() const;
+    std::size_t Events() const { return events_.size(); }
+
+  private:
+    friend class PossibleDisks;
+
+    struct Inode {
+        std::string data;
+        std::string synced;
+    };
+    struct Event {
+        enum class Kind { kCreate, kRemove, kRename, kLink, kData, kSyncData, kSyncNames };
+        Kind kind;
+        std::string path;
+        std::string target;
+        int inode = -1;
+        std::string data;
+    };
+    using Names = std::map<std::string, int>;
+
+    std::string Below(const std::string& path) const;
+    void Opened(const std::string& path, int flags, int descriptor);
+    void Written(const SystemCall& call, long result);
+    void Synced(int descriptor);
+    void Add(Event event);
+    static void Apply(const Event& event, Names* names);
+    static std::string PlaceOf(const Event& event);
+
+    const std::string directory_;
+    Names names_;
+    Names firstNames_;  // what was there before
+    std::map<int, Inode> first_;
+    std::map<int, std::string> data_;   // as the process sees it
+    std::map<int, std::pair<std::string, int>> descriptors_;  // path, inode (-1: a directory)
+    std::vector<Event> events_;
+    int nextInode_ = 0;
+};
+
+}  // namespace oam::torture
