@@ -58,13 +58,17 @@ class ImportCommand : public SessionCommand {
     }
 
   protected:
-    ExitStatus Work(Session&, Console& console) override {
+    ExitStatus Work(Session& session, Console& console) override {
         const TransferFile judged = JudgeTransferFile(file_, ServedProducts());
         if (!judged.findings.empty()) {
             complain(console, judged.findings);
             throw Failure(Quoted(file_) + " is not imported, nothing was changed",
                           "correct what is named above");
         }
+        // An import stops every board first; here none was started, and each would complain.
+        session.Inbox().Listen([](const Alert& alert) {
+            return alert.severity != OAM_INFORMATION && alert.code != OAMEVN_STOPBOARD_DONE;
+        });
         const unsigned code = _oamConfigImport(file_.c_str());
         if (code)
             throw Failure(code, "the import of " + Quoted(file_) + " failed",

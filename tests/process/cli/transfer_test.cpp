@@ -41,6 +41,15 @@ TEST_F(ToolTransfer, AnImportBringsBackWhatWasExported) {
     EXPECT_EQ(home.Read("again"), home.Read("saved"));
 }
 
+TEST_F(ToolTransfer, BoardsThatDoNotRunAreNoComplaintOfAnImport) {
+    AddSim();
+    Out({"board", "create", "SIM-E1"});
+    Out({"export", "saved"});
+    const Finished run = Run({"import", "saved"});
+    EXPECT_EQ(run.status, 0);
+    EXPECT_EQ(run.err, "");
+}
+
 TEST_F(ToolTransfer, AnImportReplacesEverything) {
     AddSimBoard();
     home.Write("new", ExportFile({Board("A", "0"), Board("B", "1")}));
