@@ -20,13 +20,15 @@ oam_result told(oam_result failed, const std::string& board, const std::string& 
     return failed;
 }
 
-// 0 when no function is held by a driver, 2 when all are, else 1.
-int driverState(const PciBoard& board, const DriverBinding& binding) {
+enum DriverState { kNoneHeld = 0, kSomeHeld = 1, kAllHeld = 2 };
+
+// By a driver, of the board's functions.
+DriverState driverState(const PciBoard& board, const DriverBinding& binding) {
     const auto held = std::ranges::count_if(board.functions, [&](const PciAddress& function) {
         return !binding.HeldBy(function).empty();
     });
-    if (held == 0) return 0;
-    return static_cast<std::size_t>(held) == board.functions.size() ? 2 : 1;
+    if (held == 0) return kNoneHeld;
+    return static_cast<std::size_t>(held) == board.functions.size() ? kAllHeld : kSomeHeld;
 }
 
 std::vector<NetworkInterface> interfacesOf(const SysfsTree& tree, const PciBoard& board) {
@@ -69,6 +71,11 @@ oam_result PciPlugin::StartBoard(const std::string& name) {
     Job job;
     if (auto failed = Prepare(name, &job)) return told(failed, name, "start");
     auto binding = Binding(job);
+    if (!job.settings->mayControl) {
+        // What has its driver runs already.
+        const bool isRunning = driverState(job.board, binding) == kAllHeld;
+        return isRunning ? OAM_SUCCESS : told(PCI_CONTROL_OFF, name, "start");
+    }
     std::vector<PciAddress> taken;
     for (const auto& function : job.board.functions) {
         const bool wasFree = binding.HeldBy(function).empty();
@@ -86,6 +93,10 @@ oam_result PciPlugin::StopBoard(const std::string& name) {
     Job job;
     if (auto failed = Prepare(name, &job)) return told(failed, name, "stop");
     auto binding = Binding(job);
+    if (!job.settings->mayControl) {
+        const bool isStopped = driverState(job.board, binding) == kNoneHeld;
+        return isStopped ? OAM_SUCCESS : told(PCI_CONTROL_OFF, name, "stop");
+    }
     auto result = OAM_SUCCESS;
     for (const auto& function : job.board.functions) {
         if (auto failed = binding.Release(function)) {

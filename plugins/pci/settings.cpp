@@ -8,6 +8,7 @@ namespace oam::pci {
 namespace {
 
 constexpr const char* kRoot = "Sysfs.Root";
+constexpr const char* kControl = "Driver.Control";
 constexpr const char* kBindLimit = "Timing.BindMs";
 constexpr const char* kMatch = "Match";
 constexpr long long kUsualBindLimit = 2000;
@@ -81,6 +82,11 @@ const std::vector<kit::KeywordRule>& plainRules() {
          .value = "/sys",
          .description = "where the kernel's device tree is mounted",
          .fits = isRoot},
+        // A host's own network card is a board to the kernel too.
+        {.name = kControl,
+         .value = "No",
+         .choices = {"Yes", "No"},
+         .description = "Yes lets a start and a stop bind and unbind kernel drivers"},
         kit::numberRule(kBindLimit, kUsualBindLimit, 0, kLongestBindLimit,
                         "milliseconds that a driver may take to bind or to let go"),
         kit::numberRule(kit::countName(kMatch), kFirstMatches.size(), 0, kMostMatches,
@@ -129,6 +135,7 @@ oam_result completeSettings(unsigned long handle, std::vector<std::string>* repa
 Settings readSettings(unsigned long handle) {
     Settings settings;
     settings.tree.root = kit::readKeyword(handle, kRoot).value_or("");
+    settings.mayControl = kit::readKeyword(handle, kControl).value_or("") == "Yes";
     settings.bindLimit = std::chrono::milliseconds(
         kit::readNumber(handle, kBindLimit, 0, kLongestBindLimit, kUsualBindLimit));
     const auto count = matchCount(handle);

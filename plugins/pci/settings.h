@@ -18,6 +18,7 @@ namespace oam::pci {
 
 struct Settings {
     SysfsTree tree;
+    bool mayControl = false;  // bind and unbind drivers
     std::chrono::milliseconds bindLimit{0};
     std::vector<MatchRow> matches;
 };

@@ -1,10 +1,10 @@
 # The names that leave the library are those that the public headers declare, one for one.
 execute_process(COMMAND ${NM} -D --defined-only ${LIBRARY}
     OUTPUT_VARIABLE symbols COMMAND_ERROR_IS_FATAL ANY)
-string(REGEX MATCHALL "[A-Za-z] [^\n]+" lines "${symbols}")
+string(REGEX MATCHALL " [A-Za-z] [^\n]+" lines "${symbols}")
 set(exported)
 foreach(line IN LISTS lines)
-    string(REGEX REPLACE "^[A-Za-z] ([^@]+).*" "\\1" name "${line}")
+    string(REGEX REPLACE "^ [A-Za-z] ([^@]+).*" "\\1" name "${line}")
     list(APPEND exported ${name})
 endforeach()
 

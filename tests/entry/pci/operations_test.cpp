@@ -52,6 +52,20 @@ class PciOperations : public PciTest {
     const Said kFailedTest{OAMEVN_TESTBOARD_DONE, OAM_ERROR, kBoard, "Test of board failed."};
 };
 
+TEST_F(PciOperations, LeaveDriversAloneUntilThatIsAllowed) {
+    StartWithBoards();
+    EXPECT_EQ(Change(kPci, "Driver.Control", "No"), OAM_SUCCESS);
+    EXPECT_THAT(Start(), ElementsAre(Cause("start: PCI_CONTROL_OFF"), kNotStarted));
+    EXPECT_EQ(host.Holder(kCard), "");
+    EXPECT_THAT(Stop(), ElementsAre(kStopped));
+    EXPECT_EQ(Change(kPci, "Driver.Control", "Yes"), OAM_SUCCESS);
+    EXPECT_THAT(Start(), ElementsAre(kStarted));
+    EXPECT_EQ(Change(kPci, "Driver.Control", "No"), OAM_SUCCESS);
+    EXPECT_THAT(Stop(), ElementsAre(Cause("stop: PCI_CONTROL_OFF"), kNotStopped));
+    EXPECT_EQ(host.Holder(kCard), kDriver);
+    EXPECT_THAT(Start(), ElementsAre(kStarted)) << "it has its driver";
+}
+
 TEST_F(PciOperations, BindAndUnbindTheDriver) {
     StartWithBoards();
     EXPECT_THAT(Start(), ElementsAre(kStarted));

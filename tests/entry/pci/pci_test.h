@@ -31,6 +31,7 @@ class PciTest : public ServiceTest {
     void WriteSettings(const Entries& more) const {
         auto entries = StandardEntries(kPci);
         entries.emplace_back("Sysfs.Root", host.Root());
+        entries.emplace_back("Driver.Control", "Yes");
         entries.insert(entries.end(), more.begin(), more.end());
         home.WriteDataFile("pci.xmo", DataFile(kPci, entries));
     }
