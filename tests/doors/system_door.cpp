@@ -97,9 +97,12 @@ bool SystemFault::HasHappened() const noexcept {
 
 }  // namespace oam::test
 
+// The run-time library of a sanitizer calls them too.
+#define VISIBLE __attribute__((visibility("default")))
+
 #define WRAP(result, name, parameters, arguments)                  \
     extern "C" result __real_##name parameters;                    \
-    extern "C" result __wrap_##name parameters;                    \
+    extern "C" VISIBLE result __wrap_##name parameters;            \
     extern "C" result __wrap_##name parameters {                   \
         return failsNow(#name) ? -1 : __real_##name arguments;     \
     }
@@ -113,7 +116,7 @@ WRAP(int, access, (const char* path, int mode), (path, mode))
 
 // A failed close has closed all the same.
 extern "C" int __real_close(int descriptor);
-extern "C" int __wrap_close(int descriptor);
+extern "C" VISIBLE int __wrap_close(int descriptor);
 extern "C" int __wrap_close(int descriptor) {
     const int error = happensNow("close");
     const int result = __real_close(descriptor);
@@ -123,7 +126,7 @@ extern "C" int __wrap_close(int descriptor) {
 }
 
 extern "C" int __real_open(const char* path, int flags, ...);
-extern "C" int __wrap_open(const char* path, int flags, ...);
+extern "C" VISIBLE int __wrap_open(const char* path, int flags, ...);
 extern "C" int __wrap_open(const char* path, int flags, ...) {
     if (failsNow("open")) return -1;
     va_list arguments;
@@ -134,7 +137,8 @@ extern "C" int __wrap_open(const char* path, int flags, ...) {
 }
 
 extern "C" int __real_pthread_create(pthread_t*, const pthread_attr_t*, void* (*)(void*), void*);
-extern "C" int __wrap_pthread_create(pthread_t*, const pthread_attr_t*, void* (*)(void*), void*);
+extern "C" VISIBLE int __wrap_pthread_create(pthread_t*, const pthread_attr_t*, void* (*)(void*),
+                                             void*);
 extern "C" int __wrap_pthread_create(pthread_t* thread, const pthread_attr_t* attributes,
                                      void* (*function)(void*), void* argument) {
     const int error = happensNow("pthread_create");

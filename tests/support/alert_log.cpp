@@ -35,6 +35,7 @@ AlertLog::AlertLog() { Install(); }
 AlertLog::~AlertLog() {
     (void)_oamAlertRegisterCallback(nullptr);
     current = nullptr;
+    const std::lock_guard hold(mutex_);  // who is adding an alert has added it
 }
 
 void AlertLog::Install() {
@@ -66,11 +67,12 @@ unsigned AlertLog::Add(unsigned long client, const oam_msg_tag* message) {
     alert.thread = std::this_thread::get_id();
     std::function<unsigned(const Alert&)> answer;
     {
+        // Told under the lock: whoever sees it may take the log down next.
         std::lock_guard hold(mutex_);
         alerts_.push_back(alert);
         answer = answer_;
+        arrived_.notify_all();
     }
-    arrived_.notify_all();
     return answer ? answer(alert) : 0;
 }
 

@@ -104,11 +104,19 @@ bool Recorder::WaitFor(const std::function<bool()>& condition) const {
     }
 }
 
+Latch::~Latch() {
+    std::unique_lock hold(mutex_);
+    changed_.wait(hold, [this] { return inside_ == 0; });
+}
+
 void Latch::Wait() {
     std::unique_lock hold(mutex_);
     ++arrived_;
+    ++inside_;
     changed_.notify_all();
     changed_.wait_for(hold, kHoldLimit, [this] { return open_; });
+    --inside_;
+    changed_.notify_all();
 }
 
 void Latch::Open() {

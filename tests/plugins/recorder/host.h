@@ -56,6 +56,12 @@ class Recorder {
 // Holds threads back until it is opened: a hook waits in it, the test watches and opens.
 class Latch {
   public:
+    Latch() = default;
+    // Waits until everybody has left Wait.
+    ~Latch();
+    Latch(const Latch&) = delete;
+    Latch& operator=(const Latch&) = delete;
+
     // Waits until Open, or (so that no test hangs) for 60 seconds.
     void Wait();
     void Open();
@@ -66,6 +72,7 @@ class Latch {
     std::mutex mutex_;
     std::condition_variable changed_;
     size_t arrived_ = 0;
+    size_t inside_ = 0;
     bool open_ = false;
 };
 

@@ -15,6 +15,10 @@ void CreatePathDirs(char* path) noexcept;
 
 namespace oam {
 
+// Whether a path could not be opened for want of memory or descriptors, or because of the device: it
+// may well be there.
+bool IsOutOfMeans(int error) noexcept;
+
 // "<directory>/<name>", or "<directory><name>" for a name that begins with a slash: a path below a
 // directory of the installation, made without memory, since what protects files must not fail for
 // want of it.

@@ -1,5 +1,7 @@
 #include "base/database_lock.h"
 
+#include <pthread.h>
+
 #include <cstdio>
 #include <cstdlib>
 
@@ -18,9 +20,7 @@ struct ThreadHolds {
     int heldBeforeFrames = 0;
 
     int TableHoldsInUse() const noexcept { return depth[kTableRank] - leftOver; }
-    void LeaveOver() noexcept { leftOver += TableHoldsInUse() - heldBeforeFrames; }
-
-    ~ThreadHolds() { GiveBack(); }
+    void LeaveOver() noexcept;
     void GiveBack() noexcept NO_THREAD_SAFETY_ANALYSIS {
         while (leftOver > 0) {
             --leftOver;
@@ -29,7 +29,22 @@ struct ThreadHolds {
     }
 };
 
-thread_local ThreadHolds holds;
+// Without a destructor: registering one at a thread's first call takes memory, and the process ends
+// when there is none.
+constinit thread_local ThreadHolds holds;
+
+pthread_key_t threadEnd;
+pthread_once_t threadEndMade = PTHREAD_ONCE_INIT;
+
+// Called by every thread that has set its pointer, when it ends.
+void giveBackAtEnd(void* ofThread) { static_cast<ThreadHolds*>(ofThread)->GiveBack(); }
+
+void ThreadHolds::LeaveOver() noexcept {
+    leftOver += TableHoldsInUse() - heldBeforeFrames;
+    if (leftOver == 0) return;
+    pthread_once(&threadEndMade, [] { (void)pthread_key_create(&threadEnd, giveBackAtEnd); });
+    (void)pthread_setspecific(threadEnd, this);
+}
 
 [[maybe_unused]] void checkOrder(int rank) noexcept {
     if (rank == kManagerRank && holds.depth[kTableRank] > 0 && holds.depth[kManagerRank] == 0) {

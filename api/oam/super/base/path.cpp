@@ -1,5 +1,6 @@
 #include "base/path.h"
 
+#include <errno.h>
 #include <sys/stat.h>
 
 #include <cstdio>
@@ -26,6 +27,10 @@ void CreatePathDirs(char* path) noexcept {
 }
 
 namespace oam {
+
+bool IsOutOfMeans(int error) noexcept {
+    return error == EMFILE || error == ENFILE || error == ENOMEM || error == EIO;
+}
 
 JoinedPath::JoinedPath(const char* directory, const char* name) noexcept {
     const char* separator = *name == '/' ? "" : "/";

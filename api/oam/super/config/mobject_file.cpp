@@ -1,5 +1,6 @@
 // KOR_CMObject: its data file, "/oam/cfg/" and the data file name under the installation directory.
 
+#include <errno.h>
 #include <sys/stat.h>
 
 #include <cstdio>
@@ -55,7 +56,11 @@ oam_result KOR_CMObject::Load() noexcept {
 
 oam_result KOR_CMObject::ReadFile(const char* path) noexcept {
     CXmlImport reader;
-    if (reader.Open(path, kObjectRoot) != 0) return OAMERR_NOT_FOUND;
+    if (reader.Open(path, kObjectRoot) != 0) {
+        // A missing file is an object without keywords. One that is there, but out of reach for want
+        // of memory or descriptors, must not be taken for it: the next save would empty it.
+        return oam::IsOutOfMeans(errno) ? OAMERR_FILE_READ_ERROR : OAMERR_NOT_FOUND;
+    }
     oam_result result = OAM_SUCCESS;
     CXmlImport::eTokenType kind = reader.GetNextKeyword();
     while (kind == CXmlImport::kText && result == OAM_SUCCESS) {

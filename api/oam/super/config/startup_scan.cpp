@@ -60,10 +60,6 @@ bool isSound(const char* path, const char* object) noexcept {
     return kind == CXmlImport::kEndOfFile;
 }
 
-// The directory may well be there, with data files in it.
-bool isOutOfMeans(int error) noexcept {
-    return error == EMFILE || error == ENFILE || error == ENOMEM || error == EIO;
-}
 
 }  // namespace
 
@@ -85,7 +81,7 @@ oam_result CMObjMgr::ScanDataFiles(const char* directory) noexcept {
     oam::FileListing listing;
     if (!listing.Open(directory)) {
         // New objects would take the files of those that were not seen.
-        if (isOutOfMeans(errno)) return OAMERR_FILE_READ_ERROR;
+        if (oam::IsOutOfMeans(errno)) return OAMERR_FILE_READ_ERROR;
         DebugOutput("Directory for managed object data files \"%s\" not found.\n", directory);
         return OAM_SUCCESS;
     }
@@ -116,6 +112,7 @@ oam_result CMObjMgr::LoadDataFile(const char* path, const char* fileName) noexce
     if (reader.Open(path, kObjectRoot) != 0) return OAMERR_FILE_READ_ERROR;
     if (!reachFirstKeyword(reader, path)) return RejectDataFile(path, fileName, nullptr);
     const char* name = reader.ObjectName();
+    if (!isObjectName(name)) return RejectDataFile(path, fileName, nullptr);
     const oam_result inserted = Insert(name, fileName);
     if (inserted == OAMERR_ALREADY_EXISTS) return RejectDataFile(path, fileName, nullptr);
     if (inserted != OAM_SUCCESS) return inserted;

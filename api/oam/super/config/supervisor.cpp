@@ -65,6 +65,8 @@ bool readSetting(CMOSuper* supervisor, const Setting& setting, bool* on) noexcep
 oam_result writeKeyword(CMOSuper* supervisor, const char* keyword, const char* value,
                         const char* description, const char* type) noexcept {
     if (auto failed = supervisor->DbSetKeyword(keyword, value)) return failed;
+    // The save that follows would lose the setting.
+    if (!supervisor->HasValue(keyword)) return OAMERR_NOT_ENOUGH_MEMORY;
     if (auto failed = supervisor->DbSetQualifier(keyword, "Description", description)) {
         return failed;
     }

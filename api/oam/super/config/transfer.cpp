@@ -61,12 +61,10 @@ oam_result CMObjMgr::Import(const char* fileName) noexcept {
     char directory[oam::kPathSize];
     if (auto failed = dataDirectory(directory)) return failed;
 
+    // First: when this fails, a full disk is enough, no board has been stopped.
+    if (auto failed = setDataFilesAside(directory)) return failed;
     (void)_oamStopBoard(nullptr, OAM_SYNCHRONIZED);
     BoardCommExit();
-    if (auto failed = setDataFilesAside(directory)) {
-        (void)BoardCommInit();
-        return failed;
-    }
     // An old file that stays would come back beside the new objects.
     oam_result result = RemoveAll(true) ? ReadImport(&reader) : OAMERR_FILE_WRITE_ERROR;
     if (result == OAM_SUCCESS) result = EnsureSupervisor();
@@ -89,7 +87,9 @@ oam_result CMObjMgr::ReadImport(CXmlImport* reader) noexcept {
     oam_result result = OAM_SUCCESS;
     CXmlImport::eTokenType kind;
     while (result == OAM_SUCCESS && (kind = reader->GetNextKeyword()) == CXmlImport::kText) {
-        if (object.IsNull() || strcmp(object.Get(), reader->ObjectName()) != 0) {
+        if (!isObjectName(reader->ObjectName())) {
+            result = OAMERR_FILE_READ_ERROR;
+        } else if (object.IsNull() || strcmp(object.Get(), reader->ObjectName()) != 0) {
             if (handle != 0) result = DbCloseObject(std::exchange(handle, 0));
             if (result == OAM_SUCCESS) result = Insert(reader->ObjectName(), nullptr);
             if (result == OAM_SUCCESS) {

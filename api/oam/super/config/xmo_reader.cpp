@@ -1,5 +1,6 @@
 #include "xmo_reader.h"
 
+#include <cstring>
 #include <utility>
 
 namespace {
@@ -10,6 +11,10 @@ bool isWhite(int character) noexcept {
 }
 
 }  // namespace
+
+bool isObjectName(const char* directory) noexcept {
+    return *directory != '\0' && strchr(directory, '\\') == nullptr;
+}
 
 CXmlImport::~CXmlImport() { (void)Close(); }
 

@@ -11,6 +11,10 @@
 #include "base/text.h"
 #include "xmo_path.h"
 
+// Whether a keyword's directory can be an object: a keyword directly in the root has an empty one,
+// one nested deeper has a backslash. Neither could be written again.
+bool isObjectName(const char* directory) noexcept;
+
 class CXmlImport {
   public:
     enum eTokenType {

@@ -1,5 +1,7 @@
 #include "loading/loader.h"
 
+#include <errno.h>
+
 #include <cstdio>
 
 #include "base/path.h"
@@ -17,11 +19,13 @@ oam_result ModuleLoader::LoadAll() noexcept {
     if (auto failed = GetFullPath(texts_.flag, "/lib", directory, sizeof directory)) return failed;
     FileListing listing;
     if (!listing.Open(directory)) {
+        if (IsOutOfMeans(errno)) return OAMERR_FILE_READ_ERROR;
         DebugOutput(texts_.noDirectory, directory);
         return OAM_SUCCESS;
     }
     const char* fileName = listing.Next(texts_.extension);
     if (fileName == nullptr) {
+        if (listing.HasFailed()) return OAMERR_FILE_READ_ERROR;
         DebugOutput("%s", texts_.noFiles);
         return OAM_SUCCESS;
     }
@@ -34,6 +38,7 @@ oam_result ModuleLoader::LoadAll() noexcept {
         if (!fits && !texts_.tellsLongPaths) return OAMERR_NOT_ENOUGH_MEMORY;
         result = fits ? LoadFile(path, fileName) : OAMERR_NOT_ENOUGH_MEMORY;
     }
+    if (result == OAM_SUCCESS && listing.HasFailed()) result = OAMERR_FILE_READ_ERROR;
     if (result != OAM_SUCCESS) {
         (void)AlertNotify(OAMEVN_ALERT, OAM_ERROR, texts_.source, "!! FAILED !! (0x%x)",
                           static_cast<unsigned>(result));
