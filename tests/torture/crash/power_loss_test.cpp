@@ -16,7 +16,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr int kObjects = 20;
+constexpr int kObjects = 50;
 constexpr std::size_t kQuickStates = 40;
 
 class Unpowered : public testing::TestWithParam<Operation> {

@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <random>
 #include <set>
 
 namespace oam::torture {
@@ -119,8 +120,7 @@ void RecordedDisk::Written(const SystemCall& call, long result) {
     const auto found = descriptors_.find(static_cast<int>(call.arguments[0]));
     if (found == descriptors_.end() || found->second.second < 0) return;
     const int inode = found->second.second;
-    const auto written =
-        bytesAt(call.thread, call.arguments[1], static_cast<std::size_t>(result));
+    const auto written = bytesAt(call.thread, call.arguments[1], static_cast<std::size_t>(result));
     Add({Event::Kind::kData, found->second.first, "", inode, data_[inode] + written});
 }
 
@@ -201,7 +201,8 @@ class PossibleDisks {
   private:
     // How much of the data that is not synced is there.
     enum class Data { kWhole, kHalf, kOld };
-    static constexpr std::size_t kMostVariants = 12;
+    static constexpr std::size_t kMostForEverySubset = 8;
+    static constexpr int kRandomSubsets = 64;
 
     void SyncNames(const std::string& directory) {
         std::vector<RecordedDisk::Event> left;
@@ -216,29 +217,56 @@ class PossibleDisks {
     }
 
     void AddAll() {
+        AddSubsetsOfNames();
+        for (const auto& [inode, content] : inodes_) {
+            if (content.data == content.synced) continue;
+            const std::string which = "all names, of inode " + std::to_string(inode);
+            const auto all = [](std::size_t) { return true; };
+            const auto is = [inode = inode](int other) { return other == inode; };
+            Add(all, which + " half", [=](int i) { return is(i) ? Data::kHalf : Data::kWhole; });
+            Add(all, which + " nothing", [=](int i) { return is(i) ? Data::kOld : Data::kWhole; });
+            Add(all, which + " alone", [=](int i) { return is(i) ? Data::kWhole : Data::kOld; });
+        }
+    }
+
+    void AddSubsetsOfNames() {
         const std::size_t count = pending_.size();
-        const auto none = [](std::size_t) { return false; };
-        const auto all = [](std::size_t) { return true; };
-        Add("none of the names", none, Data::kWhole);
-        for (const Data data : {Data::kWhole, Data::kHalf, Data::kOld}) Add("all names", all, data);
-        const std::size_t step = count / kMostVariants + 1;
-        for (std::size_t chosen = 0; chosen < count; chosen += step) {
-            const std::string which = std::to_string(chosen) + " of " + std::to_string(count);
-            Add("all names but " + which, [=](std::size_t i) { return i != chosen; }, Data::kWhole);
-            Add("names before " + which, [=](std::size_t i) { return i < chosen; }, Data::kWhole);
-            Add("only name " + which, [=](std::size_t i) { return i == chosen; }, Data::kHalf);
+        if (count <= kMostForEverySubset) {
+            for (std::size_t subset = 0; subset < std::size_t{1} << count; ++subset)
+                AddSubset([=](std::size_t i) { return (subset >> i & 1) != 0; });
+            return;
+        }
+        AddSubset([](std::size_t) { return true; });
+        for (std::size_t chosen = 0; chosen < count; ++chosen) {
+            AddSubset([=](std::size_t i) { return i != chosen; });
+            AddSubset([=](std::size_t i) { return i < chosen; });
+            AddSubset([=](std::size_t i) { return i == chosen; });
+        }
+        for (int i = 0; i < kRandomSubsets; ++i) {
+            std::vector<bool> isThere(count);
+            for (std::size_t k = 0; k < count; ++k) isThere[k] = (random_() & 1) != 0;
+            AddSubset([&](std::size_t k) { return isThere[k]; });
         }
     }
 
     template <class Chosen>
-    void Add(const std::string& what, const Chosen& chosen, Data data) {
+    void AddSubset(const Chosen& chosen) {
+        std::string which = "names ";
+        for (std::size_t i = 0; i < pending_.size(); ++i) which += chosen(i) ? '1' : '0';
+        Add(chosen, which + ", data whole", [](int) { return Data::kWhole; });
+        Add(chosen, which + ", data by half", [](int) { return Data::kHalf; });
+        Add(chosen, which + ", data as synced", [](int) { return Data::kOld; });
+    }
+
+    template <class Chosen, class Kept>
+    void Add(const Chosen& chosen, std::string what, const Kept& kept) {
         auto names = synced_;
         for (std::size_t i = 0; i < pending_.size(); ++i)
             if (chosen(i)) RecordedDisk::Apply(pending_[i], &names);
         Files files;
-        for (const auto& [path, inode] : names) files[path] = DataOf(inodes_[inode], data);
-        if (!seen_.insert(files).second) return;
-        states_.push_back({passed_, what, std::move(files)});
+        for (const auto& [path, inode] : names) files[path] = DataOf(inodes_[inode], kept(inode));
+        if (seen_.insert(files).second)
+            states_.push_back({passed_, std::move(what), std::move(files)});
     }
 
     static std::string DataOf(const RecordedDisk::Inode& inode, Data data) {
@@ -251,6 +279,7 @@ class PossibleDisks {
     std::map<int, RecordedDisk::Inode> inodes_;
     std::vector<RecordedDisk::Event> pending_;
     std::size_t passed_ = 0;
+    std::minstd_rand random_{1};  // the same disks in every run
     std::set<Files> seen_;
     std::vector<RecordedDisk::State> states_;
 };

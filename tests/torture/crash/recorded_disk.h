@@ -25,8 +25,9 @@ class RecordedDisk {
     // To be given to RunTraced.
     void Observe(const SystemCall& call, long result);
 
-    // One possible disk each: after each event, nothing of what is unsynced, all of it, all but one,
-    // only the first ones; with its data whole, half or empty.
+    // One possible disk each: after each event, every subset of the unsynced names while they are
+    // few, else all but one, the first ones, one alone and some at random; each with the unsynced
+    // data whole, half and not there; and each file's data by itself.
     struct State {
         std::size_t event;  // how many events had happened
         std::string what;   // for messages
