@@ -48,7 +48,8 @@ void Arguments::Several(const char* name, int count, std::vector<std::string>* v
 
 void Arguments::Number(const char* name, std::optional<unsigned>* value, NumberRange range,
                        const std::string& description) {
-    AddNumber(app_, name, [value](unsigned number) { *value = number; }, range, description);
+    AddNumber(
+        app_, name, [value](unsigned number) { *value = number; }, range, description);
 }
 
 }  // namespace oam

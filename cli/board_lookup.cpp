@@ -11,58 +11,54 @@ namespace {
 
 using Values = std::vector<std::string>;
 
-struct Identity {
+struct Option {
     const char* option;
     const char* placeholder;
     int count;
     bool isNumber;
     const char* description;
-    oam_result (*ask)(const Values& values, char* buffer, unsigned size);
+    BoardIdentity (*make)(const Values& values);
 };
 
-// The values are checked before they are asked with.
+// The values are checked before an identity is made of them.
 unsigned number(const std::string& text) { return ParseNumber(text).value_or(0); }
 
-template <oam_result (*kAsk)(unsigned, char*, unsigned)>
-oam_result byNumber(const Values& values, char* buffer, unsigned size) {
-    return kAsk(number(values[0]), buffer, size);
+template <class By>
+BoardIdentity byNumber(const Values& values) {
+    return By{number(values[0])};
 }
 
-template <oam_result (*kAsk)(unsigned, unsigned, char*, unsigned)>
-oam_result byPlace(const Values& values, char* buffer, unsigned size) {
-    return kAsk(number(values[0]), number(values[1]), buffer, size);
+template <class By>
+BoardIdentity byPlace(const Values& values) {
+    return By{number(values[0]), number(values[1])};
 }
 
-template <oam_result (*kAsk)(const char*, char*, unsigned)>
-oam_result byText(const Values& values, char* buffer, unsigned size) {
-    return kAsk(values[0].c_str(), buffer, size);
+template <class By>
+BoardIdentity byText(const Values& values) {
+    return By{values[0]};
 }
 
-oam_result byDriver(const Values& values, char* buffer, unsigned size) {
-    return _oamBoardLookupByDriverIDs(values[0].c_str(), values[1].c_str(), buffer, size);
-}
+BoardIdentity byDriver(const Values& values) { return ByDriver{values[0], values[1]}; }
 
-constexpr Identity kIdentities[] = {
-    {"--number", "N", 1, true, "Board number", byNumber<_oamBoardLookupByNumber>},
+constexpr Option kOptions[] = {
+    {"--number", "N", 1, true, "Board number", byNumber<ByNumber>},
     {"--driver", "NAME ID", 2, false, "Driver name, and board id within the driver", byDriver},
-    {"--bus-slot", "BUS SLOT", 2, true, "PCI bus and slot", byPlace<_oamBoardLookupByBusSlot>},
-    {"--shelf-slot", "SHELF SLOT", 2, true, "CompactPCI shelf and slot",
-     byPlace<_oamBoardLookupByShelfSlot>},
-    {"--io", "ADDRESS", 1, true, "PCI I/O address", byNumber<_oamBoardLookupByIOAddress>},
-    {"--serial", "TEXT", 1, false, "Serial number", byText<_oamBoardLookupBySerialNumber>},
-    {"--product", "NAME", 1, false, "The first board of a product",
-     byText<_oamBoardLookupByProduct>},
-    {"--mac", "ADDRESS", 1, false, "One of the MAC addresses", byText<_oamBoardLookupByMACAddress>},
+    {"--bus-slot", "BUS SLOT", 2, true, "PCI bus and slot", byPlace<ByBusSlot>},
+    {"--shelf-slot", "SHELF SLOT", 2, true, "CompactPCI shelf and slot", byPlace<ByShelfSlot>},
+    {"--io", "ADDRESS", 1, true, "PCI I/O address", byNumber<ByIoAddress>},
+    {"--serial", "TEXT", 1, false, "Serial number", byText<BySerialNumber>},
+    {"--product", "NAME", 1, false, "The first board of a product", byText<ByProduct>},
+    {"--mac", "ADDRESS", 1, false, "One of the MAC addresses", byText<ByMacAddress>},
 };
 
 }  // namespace
 
 void BoardLookup::Declare(Arguments& arguments) {
-    values_.resize(std::size(kIdentities));
+    values_.resize(std::size(kOptions));
     for (size_t row = 0; row < values_.size(); ++row) {
-        const Identity& identity = kIdentities[row];
-        arguments.Several(identity.option, identity.count, &values_[row], identity.placeholder,
-                          identity.description);
+        const Option& option = kOptions[row];
+        arguments.Several(option.option, option.count, &values_[row], option.placeholder,
+                          option.description);
     }
 }
 
@@ -71,16 +67,14 @@ void BoardLookup::Check() const {
     if (std::count_if(values_.begin(), values_.end(), isGiven) != 1)
         throw UsageError("give one of the identities; see `oam board lookup --help`");
     const size_t row = Row();
-    if (!kIdentities[row].isNumber) return;
+    if (!kOptions[row].isNumber) return;
     for (const std::string& value : values_[row])
         if (!ParseNumber(value)) throw UsageError("not a number of 32 bits: " + Quoted(value));
 }
 
-Answer BoardLookup::Ask() const {
+BoardIdentity BoardLookup::Given() const {
     const size_t row = Row();
-    return AskText([&](char* buffer, unsigned size) {
-        return kIdentities[row].ask(values_[row], buffer, size);
-    });
+    return kOptions[row].make(values_[row]);
 }
 
 size_t BoardLookup::Row() const {

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "text_answer.h"
+#include "board_identity.h"
 
 namespace oam {
 
@@ -14,9 +14,7 @@ class BoardLookup {
   public:
     void Declare(Arguments& arguments);
     void Check() const;
-
-    // The board's name.
-    Answer Ask() const;
+    BoardIdentity Given() const;
 
   private:
     // The row of the identity given.

@@ -1,41 +1,22 @@
 // oam board start, stop, test: three rows of one frame.
-#include <algorithm>
-
 #include "arguments.h"
-#include "board_facts.h"
 #include "board_selection.h"
 #include "command.h"
 #include "console.h"
 #include "foreign_text.h"
-#include "oam/entry.h"
-#include "outcome_waiter.h"
-#include "session.h"
-#include "zol/zol.h"
+#include "service.h"
 
 namespace oam {
 namespace {
 
 struct Operation {
     const char* verb;
-    OutcomeEvent event;
-    oam_result (*request)(const char* board, unsigned value);
+    OperationKind kind;
 };
 
-constexpr Operation kStart = {
-    "start",
-    {OAMEVN_STARTBOARD_DONE, "Board is currently being started."},
-    _oamStartBoard,
-};
-constexpr Operation kStop = {
-    "stop",
-    {OAMEVN_STOPBOARD_DONE, "Board is currently being stopped."},
-    _oamStopBoard,
-};
-constexpr Operation kTest = {
-    "test",
-    {OAMEVN_TESTBOARD_DONE, "Board is currently being tested."},
-    _oamTestBoard,
-};
+constexpr Operation kStart = {"start", OperationKind::kStart};
+constexpr Operation kStop = {"stop", OperationKind::kStop};
+constexpr Operation kTest = {"test", OperationKind::kTest};
 
 // What became of each board, told as it becomes known.
 class OutcomeReport {
@@ -55,6 +36,12 @@ class OutcomeReport {
         allGood_ = allGood_ && isGood;
     }
 
+    void Add(const OperationOutcome& outcome) {
+        constexpr const char* kTexts[] = {"done", "failed", "refused"};
+        Add(outcome.board, kTexts[static_cast<int>(outcome.kind)],
+            outcome.kind == OperationOutcome::Kind::kDone, outcome.text);
+    }
+
     ExitStatus Finish() {
         if (console_.IsJson())
             console_.ShowJson({{"operation", operation_.verb}, {"boards", rows_}});
@@ -70,7 +57,7 @@ class OutcomeReport {
     bool allGood_ = true;
 };
 
-class OperationCommand : public SessionCommand {
+class OperationCommand : public ServiceCommand {
   public:
     explicit OperationCommand(const Operation& operation) : operation_(operation) {}
 
@@ -84,53 +71,38 @@ class OperationCommand : public SessionCommand {
     void CheckArguments() override { selection_.Check(); }
 
   protected:
-    ExitStatus Work(Session& session, Console& console) override {
+    ExitStatus Work(Service& service, Console& console) override {
         OutcomeReport report(console, operation_);
-        OutcomeWaiter waiter(session, operation_.event);
-        const auto boards = selection_.Resolve();
+        const auto operations = service.Operate(operation_.kind);
+        const auto boards = selection_.Resolve(service);
         for (const std::string& board : boards) {
-            if (session.Interrupted().IsRequested()) {
+            if (IsInterrupted())
                 report.Add(board, "not requested", false, "interrupted");
-                continue;
-            }
-            waiter.Expect(board);
-            if (const unsigned code = operation_.request(board.c_str(), value_.value_or(0))) {
-                waiter.Forget(board);
-                report.Add(board, "refused", false, CodeText(code));
-            }
+            else if (const auto refusal = operations->Request(board, value_.value_or(0)))
+                report.Add(*refusal);
         }
-        Wait(session, waiter, report);
-        Settle(boards);
+        Wait(*operations, report);
+        operations->Settle(boards);
         return report.Finish();
     }
 
     std::optional<unsigned> value_;
 
   private:
-    void Wait(Session& session, OutcomeWaiter& waiter, OutcomeReport& report) {
+    void Wait(Operations& operations, OutcomeReport& report) {
         const unsigned limit = noWait_ ? 0 : timeout_.value_or(60);
         const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(limit);
-        while (const auto alert = waiter.Next(deadline)) {
-            const bool isGood = alert->severity == OAM_INFORMATION;
-            report.Add(alert->source, isGood ? "done" : "failed", isGood, alert->text);
-        }
-        for (const auto& [board, refusal] : waiter.Expected()) {
-            if (session.Interrupted().IsRequested())
+        while (const auto outcome = operations.Next(deadline)) report.Add(*outcome);
+        for (const auto& [board, remark] : operations.Expected()) {
+            if (IsInterrupted())
                 report.Add(board, "outcome unknown", false, "interrupted");
             else if (noWait_)
                 report.Add(board, "requested", true, "");
             else
                 report.Add(board, "outcome unknown", false,
                            "nothing after " + std::to_string(limit) + " s" +
-                               (refusal.empty() ? "" : "; " + refusal));
+                               (remark.empty() ? "" : "; " + remark));
         }
-    }
-
-    // A worker tells the outcome a moment before it gives its board free, and there is no question
-    // for that. A board that the service stops at its end must be free by then.
-    static void Settle(const std::vector<std::string>& boards) {
-        constexpr unsigned kMoment = 50;
-        if (std::any_of(boards.begin(), boards.end(), IsStoppedAtExit)) zolSleepMs(kMoment);
     }
 
     const Operation& operation_;

@@ -1,13 +1,11 @@
 // oam board list, info, status, lookup, send: questions about boards.
 
 #include "arguments.h"
-#include "board_facts.h"
 #include "board_lookup.h"
 #include "command.h"
 #include "console.h"
 #include "file_content.h"
-#include "oam/entry.h"
-#include "session.h"
+#include "service.h"
 
 namespace oam {
 namespace {
@@ -20,9 +18,9 @@ Cell shelfCell(const BoardFacts& facts) {
     return facts.shelfSlot ? placeCell(*facts.shelfSlot, "shelf") : Cell(nullptr);
 }
 
-class ListCommand : public SessionCommand {
+class ListCommand : public ServiceCommand {
   protected:
-    ExitStatus Work(Session&, Console& console) override {
+    ExitStatus Work(Service& service, Console& console) override {
         Table table{{{"number", "NUMBER", true},
                      {"name", "NAME"},
                      {"product", "PRODUCT"},
@@ -32,30 +30,29 @@ class ListCommand : public SessionCommand {
                      {"autoStart", "START"},
                      {"autoStop", "STOP"}},
                     {}};
-        for (const std::string& name : BoardNames())
-            if (const auto facts = ReadBoardFacts(name))
-                table.rows.push_back({facts->number, facts->name, facts->product,
-                                      placeCell(facts->busSlot, "bus"), shelfCell(*facts),
-                                      facts->serialNumber, facts->autoStart, facts->autoStop});
+        for (const BoardFacts& facts : service.Boards())
+            table.rows.push_back({facts.number, facts.name, facts.product,
+                                  placeCell(facts.busSlot, "bus"), shelfCell(facts),
+                                  facts.serialNumber, facts.autoStart, facts.autoStop});
         console.Show("boards", table);
         return kDone;
     }
 };
 
 // A command for one board of the table.
-class BoardCommand : public SessionCommand {
+class BoardCommand : public ServiceCommand {
   public:
     void DeclareArguments(Arguments& arguments) override {
         arguments.Required("NAME", &name_, "The board");
     }
 
   protected:
-    ExitStatus Work(Session&, Console& console) final {
-        WorkOn(RequireBoard(name_), console);
+    ExitStatus Work(Service& service, Console& console) final {
+        WorkOn(service, service.RequireBoard(name_), console);
         return kDone;
     }
 
-    virtual void WorkOn(const std::string& board, Console& console) = 0;
+    virtual void WorkOn(Service& service, const std::string& board, Console& console) = 0;
 
   private:
     std::string name_;
@@ -63,8 +60,8 @@ class BoardCommand : public SessionCommand {
 
 class InfoCommand : public BoardCommand {
   protected:
-    void WorkOn(const std::string& board, Console& console) override {
-        const BoardFacts facts = ReadBoardFacts(board).value();
+    void WorkOn(Service& service, const std::string& board, Console& console) override {
+        const BoardFacts facts = service.Board(board);
         std::string addresses;
         for (const std::string& address : facts.macAddresses)
             addresses += (addresses.empty() ? "" : ", ") + address;
@@ -93,15 +90,9 @@ class StatusCommand : public BoardCommand {
     }
 
   protected:
-    void WorkOn(const std::string& board, Console& console) override {
-        int status = 0;
+    void WorkOn(Service& service, const std::string& board, Console& console) override {
         const unsigned selector = given_.value_or(0);
-        const unsigned code = _oamBoardGetStatus(board.c_str(), selector, &status);
-        if (code)
-            throw Failure(code, "no status of " + Quoted(board),
-                          code == OAMERR_NOT_SUPPORTED_WARNING
-                              ? "the board's plug-in does not tell a status"
-                              : "");
+        const int status = service.BoardStatus(board, selector);
         if (console.IsJson())
             console.ShowJson({{"board", board}, {"selector", selector}, {"status", status}});
         else
@@ -129,10 +120,8 @@ class SendCommand : public BoardCommand {
     }
 
   protected:
-    void WorkOn(const std::string& board, Console& console) override {
-        const unsigned code =
-            _oamSendBuffer(board.c_str(), text_->data(), static_cast<unsigned>(text_->size()));
-        if (code) throw Failure(code, "cannot send to " + Quoted(board));
+    void WorkOn(Service& service, const std::string& board, Console& console) override {
+        service.SendBuffer(board, *text_);
         if (console.IsJson())
             console.ShowJson({{"board", board}, {"sent", text_->size()}});
         else
@@ -144,14 +133,14 @@ class SendCommand : public BoardCommand {
     std::optional<std::string> path_;
 };
 
-class LookupCommand : public SessionCommand {
+class LookupCommand : public ServiceCommand {
   public:
     void DeclareArguments(Arguments& arguments) override { lookup_.Declare(arguments); }
     void CheckArguments() override { lookup_.Check(); }
 
   protected:
-    ExitStatus Work(Session&, Console& console) override {
-        const Answer name = lookup_.Ask();
+    ExitStatus Work(Service& service, Console& console) override {
+        const Answer name = service.LookUpBoard(lookup_.Given());
         if (!name.IsGiven())
             throw Failure(name.code, "no such board", "`oam board list` lists the boards");
         if (console.IsJson())

@@ -4,9 +4,8 @@
 #include <set>
 
 #include "arguments.h"
-#include "board_facts.h"
 #include "failure.h"
-#include "object_kind.h"
+#include "service.h"
 
 namespace oam {
 
@@ -27,12 +26,16 @@ void BoardSelection::Check() const {
         throw UsageError("an empty NAME names no board");
 }
 
-std::vector<std::string> BoardSelection::Resolve() const {
-    if (all_) return BoardNames();
+std::optional<std::string> BoardSelection::One() const {
+    return all_ ? std::nullopt : std::optional(names_.at(0));
+}
+
+std::vector<std::string> BoardSelection::Resolve(Service& service) const {
+    if (all_) return service.BoardNames();
     std::set<std::string, NameLess> seen;
     std::vector<std::string> names;
     for (const std::string& given : names_) {
-        const std::string name = RequireBoard(given);
+        const std::string name = service.RequireBoard(given);
         if (seen.insert(name).second) names.push_back(name);
     }
     return names;

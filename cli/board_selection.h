@@ -1,12 +1,14 @@
 // The boards that a command is for: named ones, or --all. One of the two must be given.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
 namespace oam {
 
 class Arguments;
+class Service;
 
 class BoardSelection {
   public:
@@ -16,10 +18,12 @@ class BoardSelection {
     void CheckOne() const;
 
     bool IsAll() const { return all_; }
+    // Of the one NAME; nothing with --all.
+    std::optional<std::string> One() const;
     const std::vector<std::string>& Names() const { return names_; }
 
     // Spelled as the board table does, each once; all of the table with --all.
-    std::vector<std::string> Resolve() const;
+    std::vector<std::string> Resolve(Service& service) const;
 
   private:
     std::vector<std::string> names_;

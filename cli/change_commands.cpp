@@ -1,13 +1,11 @@
 // oam set, supervisor: changing objects.
+#include <algorithm>
 
 #include "arguments.h"
 #include "command.h"
 #include "console.h"
 #include "foreign_text.h"
-#include "object_change.h"
-#include "object_kind.h"
-#include "opened_object.h"
-#include "session.h"
+#include "service.h"
 
 namespace oam {
 namespace {
@@ -17,9 +15,9 @@ constexpr const char* kSupervisor = "Supervisor";
 constexpr const char* kSettings[] = {"AutoStartEnabled", "AutoStopEnabled", "SynchronizeEnabled",
                                      "OammonLog"};
 
-void change(Console& console, const std::string& object,
+void change(Service& service, Console& console, const std::string& object,
             const std::vector<Assignment>& assignments) {
-    ApplyChange(object, assignments);
+    service.ChangeObject(object, assignments);
     Table table{{{"keyword", "KEYWORD"}, {"value", "VALUE"}}, {}};
     for (const Assignment& done : assignments) table.rows.push_back({done.keyword, done.value});
     if (console.IsJson())
@@ -28,7 +26,7 @@ void change(Console& console, const std::string& object,
         console.Show("changed", table);
 }
 
-class SetCommand : public SessionCommand {
+class SetCommand : public ServiceCommand {
   public:
     void DeclareArguments(Arguments& arguments) override {
         arguments.Required("OBJECT", &object_, "The object's name");
@@ -38,8 +36,8 @@ class SetCommand : public SessionCommand {
     void CheckArguments() override { changes_ = ParseAssignments(texts_); }
 
   protected:
-    ExitStatus Work(Session&, Console& console) override {
-        change(console, object_, changes_);
+    ExitStatus Work(Service& service, Console& console) override {
+        change(service, console, object_, changes_);
         return kDone;
     }
 
@@ -49,7 +47,7 @@ class SetCommand : public SessionCommand {
     std::vector<Assignment> changes_;
 };
 
-class SupervisorCommand : public SessionCommand {
+class SupervisorCommand : public ServiceCommand {
   public:
     void DeclareArguments(Arguments& arguments) override {
         arguments.Optional("KEYWORD=VALUE", &texts_, "Settings to change to Yes or No");
@@ -66,26 +64,25 @@ class SupervisorCommand : public SessionCommand {
     }
 
   protected:
-    ExitStatus Work(Session&, Console& console) override {
+    ExitStatus Work(Service& service, Console& console) override {
         if (changes_.empty())
-            Show(console);
+            Show(service, console);
         else
-            Set(console);
+            Set(service, console);
         return kDone;
     }
 
   private:
-    void Show(Console& console) {
-        const OpenedObject object(kSupervisor, OAM_OPEN_READ);
+    void Show(Service& service, Console& console) {
         Table table{{{"keyword", "SETTING"}, {"value", "VALUE"}, {"description", "MEANING"}}, {}};
-        for (const char* name : kSettings)
-            table.rows.push_back(
-                {name, object.Keyword(name).text, object.Qualifier(name, "Description").text});
+        const std::vector<std::string> names(std::begin(kSettings), std::end(kSettings));
+        for (auto& [name, value, qualifiers] : service.DescribeObject(kSupervisor, names))
+            table.rows.push_back({name, value.text, qualifiers["Description"]});
         console.Show("settings", table);
     }
 
-    void Set(Console& console) {
-        change(console, kSupervisor, changes_);
+    void Set(Service& service, Console& console) {
+        change(service, console, kSupervisor, changes_);
         for (const Assignment& done : changes_)
             if (SameName(done.keyword, "OammonLog"))
                 console.Note("every start of the service switches OammonLog off again");

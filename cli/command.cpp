@@ -1,7 +1,8 @@
 #include "command.h"
 
 #include "console.h"
-#include "session.h"
+#include "interruption.h"
+#include "open_service.h"
 
 namespace oam {
 
@@ -9,12 +10,17 @@ void Command::DeclareArguments(Arguments&) {}
 
 void Command::CheckArguments() {}
 
-ExitStatus SessionCommand::Run(Context& context) {
-    Session session(context.place, context.title, context.console);
+bool ServiceCommand::IsInterrupted() const { return interruption_->IsRequested(); }
+
+ExitStatus ServiceCommand::Run(Context& context) {
+    const Interruption interruption;
+    context_ = &context;
+    interruption_ = &interruption;
+    const auto service = OpenService(context, interruption);
     // The start may take long; who interrupted it wants no change any more.
-    if (session.Interrupted().IsRequested()) return kInterrupted;
-    const ExitStatus status = Work(session, context.console);
-    session.ReportAlerts();
+    if (IsInterrupted()) return kInterrupted;
+    const ExitStatus status = Work(*service, context.console);
+    // Before the service's exit, which may take long.
     context.console.Flush();
     return status;
 }

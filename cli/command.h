@@ -13,7 +13,8 @@ namespace oam {
 class Arguments;
 class Console;
 class Installation;
-class Session;
+class Interruption;
+class Service;
 
 struct Context {
     const Installation& place;
@@ -31,13 +32,21 @@ class Command {
     virtual ExitStatus Run(Context& context) = 0;
 };
 
-// A command that works with the service running.
-class SessionCommand : public Command {
+// A command that needs the service running.
+class ServiceCommand : public Command {
   public:
     ExitStatus Run(Context& context) final;
 
   protected:
-    virtual ExitStatus Work(Session& session, Console& console) = 0;
+    virtual ExitStatus Work(Service& service, Console& console) = 0;
+
+    // While it works.
+    const Installation& Place() const { return context_->place; }
+    bool IsInterrupted() const;
+
+  private:
+    const Context* context_ = nullptr;
+    const Interruption* interruption_ = nullptr;
 };
 
 struct CommandRow {

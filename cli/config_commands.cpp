@@ -1,16 +1,10 @@
 // oam export, import, check: the configuration as a whole.
-#include <algorithm>
-#include <filesystem>
-
 #include "arguments.h"
 #include "command.h"
 #include "config_check.h"
 #include "console.h"
 #include "foreign_text.h"
-#include "object_kind.h"
-#include "opened_object.h"
-#include "session.h"
-#include "transfer_file.h"
+#include "service.h"
 
 namespace oam {
 namespace {
@@ -19,20 +13,15 @@ void complain(Console& console, const std::vector<Finding>& findings) {
     for (const Finding& finding : findings) console.Note(FindingText(finding));
 }
 
-class ExportCommand : public SessionCommand {
+class ExportCommand : public ServiceCommand {
   public:
     void DeclareArguments(Arguments& arguments) override {
         arguments.Required("FILE", &file_, "Where to; an old file is replaced");
     }
 
   protected:
-    ExitStatus Work(Session&, Console& console) override {
-        const unsigned code = _oamConfigExport(file_.c_str());
-        if (code)
-            throw Failure(code, "cannot export to " + Quoted(file_),
-                          "look at the directory's owner and free space");
-        const TransferFile written =
-            JudgeTransferFile(file_, [](const std::string&) { return false; });
+    ExitStatus Work(Service& service, Console& console) override {
+        const TransferFile written = service.ExportConfiguration(file_);
         complain(console, written.findings);
         if (console.IsJson())
             console.ShowJson({{"file", file_},
@@ -51,29 +40,20 @@ class ExportCommand : public SessionCommand {
     std::string file_;
 };
 
-class ImportCommand : public SessionCommand {
+class ImportCommand : public ServiceCommand {
   public:
     void DeclareArguments(Arguments& arguments) override {
         arguments.Required("FILE", &file_, "An export");
     }
 
   protected:
-    ExitStatus Work(Session& session, Console& console) override {
-        const TransferFile judged = JudgeTransferFile(file_, ServedProducts());
+    ExitStatus Work(Service& service, Console& console) override {
+        const TransferFile judged = service.ImportConfiguration(file_);
         if (!judged.findings.empty()) {
             complain(console, judged.findings);
             throw Failure(Quoted(file_) + " is not imported, nothing was changed",
                           "correct what is named above");
         }
-        // An import stops every board first; here none was started, and each would complain.
-        session.Inbox().Listen([](const Alert& alert) {
-            return alert.severity != OAM_INFORMATION && alert.code != OAMEVN_STOPBOARD_DONE;
-        });
-        const unsigned code = _oamConfigImport(file_.c_str());
-        if (code)
-            throw Failure(code, "the import of " + Quoted(file_) + " failed",
-                          "the old data files are in oam/cfg/import-refused when they are not in "
-                          "oam/cfg; `oam check` tells the rest");
         if (console.IsJson())
             console.ShowJson({{"file", file_}, {"objects", judged.objects}});
         else
@@ -83,20 +63,6 @@ class ImportCommand : public SessionCommand {
     }
 
   private:
-    // Of a product that no plug-in serves there are objects, but no boards: their numbers may
-    // clash.
-    static IsServed ServedProducts() {
-        const OpenedObject supervisor("Supervisor", OAM_OPEN_READ);
-        std::vector<std::string> products;
-        for (unsigned i = 0; i < supervisor.Count("Products"); ++i)
-            products.push_back(supervisor.Keyword(Element("Products", i)).text);
-        return [products](const std::string& product) {
-            return std::any_of(products.begin(), products.end(), [&](const std::string& served) {
-                return SameName(served, product);
-            });
-        };
-    }
-
     std::string file_;
 };
 

@@ -3,10 +3,11 @@
 #include "arguments.h"
 #include "command.h"
 #include "console.h"
+#include "installation.h"
+#include "interruption.h"
 #include "number.h"
 #include "oam/shadow.h"
-#include "object_kind.h"
-#include "session.h"
+#include "open_service.h"
 #include "text_answer.h"
 
 namespace oam {
@@ -94,12 +95,12 @@ class TextCommand : public Command {
 
     // Plug-ins and components have codes of their own, which only they know.
     static std::string AskModules(Context& context, unsigned code) {
-        const Session session(context.place, context.title, context.console);
-        const char* const name = _oamGetText(code);
-        if (name == nullptr)
-            throw Failure("nobody has the code " + HexText(code),
-                          "neither the service nor a plug-in or component of " +
-                              context.place.Directory());
+        const Interruption interruption;
+        const std::string name = OpenService(context, interruption)->CodeName(code);
+        if (name.empty())
+            throw Failure(
+                "nobody has the code " + HexText(code),
+                "neither the service nor a plug-in or component of " + context.place.Directory());
         return name;
     }
 

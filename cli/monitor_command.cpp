@@ -6,7 +6,7 @@
 #include "console.h"
 #include "foreign_text.h"
 #include "oam/entry.h"
-#include "session.h"
+#include "service.h"
 
 namespace oam {
 namespace {
@@ -52,7 +52,7 @@ void print(Console& console, const Alert& alert) {
                    "  " + Quoted(alert.source) + "  " + Shown(text));
 }
 
-class MonitorCommand : public SessionCommand {
+class MonitorCommand : public ServiceCommand {
   public:
     void DeclareArguments(Arguments& arguments) override {
         arguments.Number("--count", &count_, {1, 0xffffffff}, "End after N alerts");
@@ -60,15 +60,15 @@ class MonitorCommand : public SessionCommand {
     }
 
   protected:
-    ExitStatus Work(Session& session, Console& console) override {
-        session.Listen([](const Alert&) { return true; });
+    ExitStatus Work(Service& service, Console& console) override {
+        const auto alerts = service.Watch();
         AlertInbox::Deadline deadline;
         if (seconds_) deadline = std::chrono::steady_clock::now() + std::chrono::seconds(*seconds_);
         for (unsigned seen = 0; !count_ || seen < *count_; ++seen) {
-            const auto alert = session.Inbox().Wait(deadline, session.Interrupted());
-            if (!alert) return session.Interrupted().IsRequested() ? kInterrupted : kDone;
+            const auto alert = alerts->Next(deadline);
+            if (!alert) return IsInterrupted() ? kInterrupted : kDone;
             print(console, *alert);
-            if (const size_t lost = session.Inbox().TakeLost())
+            if (const size_t lost = alerts->TakeLost())
                 console.Note(std::to_string(lost) + " alerts came too fast and are lost");
         }
         return kDone;

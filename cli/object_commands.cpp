@@ -1,25 +1,19 @@
 // oam objects, show, get: reading the configuration.
-#include <map>
-#include <set>
-
 #include "arguments.h"
 #include "command.h"
 #include "config_scan.h"
 #include "console.h"
-#include "keyword_walk.h"
-#include "object_kind.h"
-#include "opened_object.h"
-#include "session.h"
+#include "service.h"
 
 namespace oam {
 namespace {
 
-class ObjectsCommand : public SessionCommand {
+class ObjectsCommand : public ServiceCommand {
   protected:
-    ExitStatus Work(Session& session, Console& console) override {
-        const auto files = DataFilesByObject(session.Place());
+    ExitStatus Work(Service& service, Console& console) override {
+        const auto files = DataFilesByObject(Place());
         Table table{{{"name", "NAME"}, {"kind", "KIND"}, {"file", "DATA FILE"}}, {}};
-        for (const std::string& name : AskNames(_oamDbEnumObjects)) {
+        for (const std::string& name : service.ObjectNames()) {
             const auto file = files.find(name);
             table.rows.push_back(
                 {name, KindText(KindOf(name)), file == files.end() ? Json() : Json(file->second)});
@@ -29,27 +23,7 @@ class ObjectsCommand : public SessionCommand {
     }
 };
 
-// The qualifiers of a keyword: those stored with it, and those that every keyword answers.
-std::map<std::string, std::string, NameLess> qualifiersOf(const OpenedObject& object,
-                                                          const std::vector<std::string>& entries,
-                                                          const std::string& keyword) {
-    std::set<std::string, NameLess> names{"Type", "Description", "ReadOnly"};
-    for (const std::string& entry : entries) {
-        const size_t mark = entry.find('?');
-        if (mark != std::string::npos && SameName(entry.substr(0, mark), keyword))
-            names.insert(entry.substr(mark + 1));
-    }
-    const unsigned choices = BoundedCount(object.Qualifier(keyword, "Choices.Count"));
-    for (unsigned i = 0; i < choices; ++i) names.insert(Element("Choices", i));
-    std::map<std::string, std::string, NameLess> qualifiers;
-    for (const std::string& name : names) {
-        const Answer answer = object.Qualifier(keyword, name);
-        if (answer.IsGiven()) qualifiers[name] = answer.text;
-    }
-    return qualifiers;
-}
-
-class ShowCommand : public SessionCommand {
+class ShowCommand : public ServiceCommand {
   public:
     void DeclareArguments(Arguments& arguments) override {
         arguments.Required("OBJECT", &name_, "The object's name");
@@ -57,13 +31,12 @@ class ShowCommand : public SessionCommand {
     }
 
   protected:
-    ExitStatus Work(Session&, Console& console) override {
-        const OpenedObject object(name_, OAM_OPEN_READ);
-        const auto entries = object.Entries();
+    ExitStatus Work(Service& service, Console& console) override {
+        const auto facts =
+            qualifiers_ ? service.DescribeObject(name_, {}) : service.ReadObject(name_, {});
         Table table{{{"keyword", "KEYWORD"}, {"value", "VALUE"}}, {}};
         Json keywords = Json::array();
-        for (const std::string& keyword : AllKeywords(object)) {
-            const Answer value = object.Keyword(keyword);
+        for (const auto& [keyword, value, qualifiers] : facts) {
             Json members{{"keyword", keyword}};
             if (value.IsGiven())
                 members["value"] = value.text;
@@ -71,12 +44,8 @@ class ShowCommand : public SessionCommand {
                 members["error"] = CodeText(value.code);
             table.rows.push_back(
                 {keyword, value.IsGiven() ? value.text : "(" + CodeText(value.code) + ")"});
-            if (qualifiers_) {
-                const auto qualifiers = qualifiersOf(object, entries, keyword);
-                for (const auto& [name, text] : qualifiers)
-                    table.rows.push_back({"  ?" + name, text});
-                members["qualifiers"] = qualifiers;
-            }
+            for (const auto& [name, text] : qualifiers) table.rows.push_back({"  ?" + name, text});
+            if (qualifiers_) members["qualifiers"] = qualifiers;
             keywords.push_back(std::move(members));
         }
         if (console.IsJson())
@@ -91,7 +60,7 @@ class ShowCommand : public SessionCommand {
     bool qualifiers_ = false;
 };
 
-class GetCommand : public SessionCommand {
+class GetCommand : public ServiceCommand {
   public:
     void DeclareArguments(Arguments& arguments) override {
         arguments.Required("OBJECT", &name_, "The object's name");
@@ -102,17 +71,16 @@ class GetCommand : public SessionCommand {
 
   protected:
     // All or nothing: a script that reads lines must not take one value for another.
-    ExitStatus Work(Session&, Console& console) override {
-        const OpenedObject object(name_, OAM_OPEN_READ);
+    ExitStatus Work(Service& service, Console& console) override {
+        const auto facts = qualifier_ ? service.ReadQualifier(name_, keywords_, *qualifier_)
+                                      : service.ReadObject(name_, keywords_);
         Table table{{{"keyword", "KEYWORD"}, {"value", "VALUE"}}, {}};
-        for (const std::string& keyword : keywords_) {
-            const Answer answer =
-                qualifier_ ? object.Qualifier(keyword, *qualifier_) : object.Keyword(keyword);
-            if (!answer.IsGiven())
-                throw Failure(answer.code,
-                              "cannot read " + Quoted(keyword) + " of " + Quoted(name_),
+        for (const KeywordFacts& keyword : facts) {
+            if (!keyword.value.IsGiven())
+                throw Failure(keyword.value.code,
+                              "cannot read " + Quoted(keyword.name) + " of " + Quoted(name_),
                               "`oam show` lists the object's keywords");
-            table.rows.push_back({keyword, answer.text});
+            table.rows.push_back({keyword.name, keyword.value.text});
         }
         if (table.rows.size() == 1 && !console.IsJson())
             console.Value(table.rows[0][1].text);

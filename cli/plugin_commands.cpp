@@ -7,20 +7,10 @@
 #include "console.h"
 #include "foreign_text.h"
 #include "judge_program.h"
-#include "object_kind.h"
-#include "opened_object.h"
-#include "session.h"
+#include "service.h"
 
 namespace oam {
 namespace {
-
-// A list keyword of an object.
-std::vector<std::string> elements(const OpenedObject& object, const std::string& list) {
-    std::vector<std::string> values;
-    const unsigned count = object.Count(list);
-    for (unsigned i = 0; i < count; ++i) values.push_back(object.Keyword(Element(list, i)).text);
-    return values;
-}
 
 std::string joined(const std::vector<std::string>& texts) {
     std::string all;
@@ -28,23 +18,15 @@ std::string joined(const std::vector<std::string>& texts) {
     return all;
 }
 
-class PluginListCommand : public SessionCommand {
+class PluginListCommand : public ServiceCommand {
   protected:
-    ExitStatus Work(Session&, Console& console) override {
+    ExitStatus Work(Service& service, Console& console) override {
         Table table{{{"name", "NAME"}, {"kind", "KIND"}, {"products", "PRODUCTS"}}, {}};
-        std::vector<std::string> plugins, components;
-        {
-            const OpenedObject supervisor("Supervisor", OAM_OPEN_READ);
-            plugins = elements(supervisor, "BoardPlugins");
-            components = elements(supervisor, "ExtendedManagementComponents");
-        }
-        for (const std::string& name : plugins) {
-            const auto products = elements(OpenedObject(name, OAM_OPEN_READ), "Products");
-            table.rows.push_back(
-                {name, KindText(ObjectKind::kPlugin), Cell(products, joined(products))});
-        }
-        for (const std::string& name : components)
-            table.rows.push_back({name, KindText(ObjectKind::kComponent), Cell(nullptr, "")});
+        for (const ModuleFacts& module : service.Modules())
+            table.rows.push_back({module.name, KindText(module.kind),
+                                  module.kind == ObjectKind::kPlugin
+                                      ? Cell(module.products, joined(module.products))
+                                      : Cell(nullptr, "")});
         console.Show("plugins", table);
         return kDone;
     }
@@ -55,8 +37,9 @@ class PluginListCommand : public SessionCommand {
 class PluginCheckCommand : public Command {
   public:
     void DeclareArguments(Arguments& arguments) override {
-        arguments.Required("FILE", &file_,
-                           "A *.bpi or *.emc file, or the name of one in the installation's \"lib\"");
+        arguments.Required(
+            "FILE", &file_,
+            "A *.bpi or *.emc file, or the name of one in the installation's \"lib\"");
     }
 
     ExitStatus Run(Context& context) override {

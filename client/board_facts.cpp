@@ -60,6 +60,13 @@ std::optional<BoardFacts> ReadBoardFacts(const std::string& name) {
     return facts;
 }
 
+std::vector<BoardFacts> ReadBoards() {
+    std::vector<BoardFacts> boards;
+    for (const std::string& name : BoardNames())
+        if (auto facts = ReadBoardFacts(name)) boards.push_back(std::move(*facts));
+    return boards;
+}
+
 bool IsStoppedAtExit(const std::string& board) {
     unsigned on = 0;
     return _oamBoardGetAutoStopEnabled(board.c_str(), &on) == OAM_SUCCESS && on != 0;

@@ -38,6 +38,9 @@ std::vector<std::string> BoardNames();
 // Nothing when there is no such board.
 std::optional<BoardFacts> ReadBoardFacts(const std::string& name);
 
+// All of them, in name order.
+std::vector<BoardFacts> ReadBoards();
+
 // Whether the end of the service stops it.
 bool IsStoppedAtExit(const std::string& board);
 

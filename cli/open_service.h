@@ -1,0 +1,15 @@
+// The service for one command, wherever it runs.
+#pragma once
+
+#include <memory>
+
+#include "service.h"
+
+namespace oam {
+
+struct Context;
+
+// A service that cannot be reached or started is a Failure.
+std::unique_ptr<Service> OpenService(const Context& context, const Interruption& interruption);
+
+}  // namespace oam
