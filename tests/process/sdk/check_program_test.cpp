@@ -88,7 +88,13 @@ TEST_F(CheckProgram, SurvivesEveryCutOfAFile) {
 
 TEST_F(CheckProgram, SurvivesEverySpoiledByteOfTheTables) {
     const auto whole = oam::test::ReadText(BadPlugin("missing_entry"));
-    for (size_t at = 16; at < 64; ++at) {
+    // A run takes ten times as long under a sanitizer.
+#ifdef OAM_SANITIZED
+    constexpr size_t kStep = 7;
+#else
+    constexpr size_t kStep = 1;
+#endif
+    for (size_t at = 16; at < 64; at += kStep) {
         auto spoiled = whole;
         spoiled[at] = static_cast<char>(0xFF);
         EXPECT_EQ(Judge(Write("spoiled.bpi", spoiled)).status, 1) << at;
