@@ -33,7 +33,7 @@ class OutcomeReport {
             console_.Note(line);
         else if (!console_.IsJson())
             console_.Stream(line);
-        allGood_ = allGood_ && isGood;
+        ++(isGood ? good_ : bad_);
     }
 
     void Add(const OperationOutcome& outcome) {
@@ -42,19 +42,28 @@ class OutcomeReport {
             outcome.kind == OperationOutcome::Kind::kDone, outcome.text);
     }
 
+    void AddUnknown(const std::string& board, std::string text) {
+        Add(board, "outcome unknown", false, std::move(text));
+        isUnknown_ = true;
+    }
+
     ExitStatus Finish() {
         if (console_.IsJson())
             console_.ShowJson({{"operation", operation_.verb}, {"boards", rows_}});
         else if (rows_.empty())
             console_.Say("there are no boards");
-        return allGood_ ? kDone : kFailed;
+        if (bad_ == 0) return kDone;
+        if (isUnknown_) return kOutcomeUnknown;
+        return good_ != 0 ? kPartlyDone : kFailed;
     }
 
   private:
     Console& console_;
     const Operation& operation_;
     Json rows_ = Json::array();
-    bool allGood_ = true;
+    unsigned good_ = 0;
+    unsigned bad_ = 0;
+    bool isUnknown_ = false;
 };
 
 class OperationCommand : public ServiceCommand {
@@ -95,13 +104,12 @@ class OperationCommand : public ServiceCommand {
         while (const auto outcome = operations.Next(deadline)) report.Add(*outcome);
         for (const auto& [board, remark] : operations.Expected()) {
             if (IsInterrupted())
-                report.Add(board, "outcome unknown", false, "interrupted");
+                report.AddUnknown(board, "interrupted");
             else if (noWait_)
                 report.Add(board, "requested", true, "");
             else
-                report.Add(board, "outcome unknown", false,
-                           "nothing after " + std::to_string(limit) + " s" +
-                               (remark.empty() ? "" : "; " + remark));
+                report.AddUnknown(board, "nothing after " + std::to_string(limit) + " s" +
+                                             (remark.empty() ? "" : "; " + remark));
         }
     }
 

@@ -48,8 +48,10 @@ CommandLine::CommandLine() : app_(std::make_unique<CLI::App>(kSummary, "oam")) {
     arguments.Optional("--dir", &directory_,
                        "The installation (default: KOR_DIR, else the built-in)", "DIR");
     arguments.Flag("--json", &json_, "Answer in JSON: one object, or one a line for streams");
-    app_->footer("\nExit status: 0 done, 1 refused or failed, 2 wrong use." +
-                 exampleText("oam --dir /opt/oam objects\noam board list --json"));
+    app_->footer(
+        "\nExit status: 0 done, 1 refused or failed, 2 wrong use, 3 no daemon,\n"
+        "4 not found, 5 not permitted, 6 busy or vetoed, 7 outcome unknown, 8 partly done." +
+        exampleText("oam --dir /opt/oam objects\noam board list --json"));
     for (const FamilyRow& row : kFamilies) {
         CLI::App* family = app_->add_subcommand(row.name, row.summary);
         family->require_subcommand(1);
@@ -86,6 +88,7 @@ ExitStatus CommandLine::Execute(int argc, char** argv) {
         return kUsage;
     } catch (const Failure& failure) {
         console.Complain(failure);
+        return failure.Status();
     } catch (const std::exception& error) {
         console.Note(error.what());
     }

@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <cstring>
 
+#include "alert_inbox.h"
 #include "failure.h"
 #include "foreign_text.h"
 
@@ -55,6 +56,16 @@ void Console::Note(const std::string& text) {
 void Console::Complain(const Failure& failure) {
     Note(failure.what());
     if (!failure.Advice().empty()) std::fprintf(stderr, "     %s\n", failure.Advice().c_str());
+}
+
+void Console::Remark(const Alert& alert) {
+    std::string text = alert.text;
+    text.erase(text.find_last_not_of(" \n") + 1);
+    Note(Shown(alert.source) + ": " + Shown(text));
+}
+
+void Console::Whisper(const std::string& text) {
+    if (isatty(STDERR_FILENO)) Note(text);
 }
 
 void Console::Flush() {

@@ -13,6 +13,7 @@
 namespace oam {
 
 class Failure;
+struct Alert;
 
 class Console {
   public:
@@ -39,6 +40,10 @@ class Console {
     // A remark on standard error, with the tool's name in front.
     void Note(const std::string& text);
     void Complain(const Failure& failure);
+    // An alert that belongs to what is done just now, as a remark.
+    void Remark(const Alert& alert);
+    // Only for people who look: nothing when standard error is no terminal.
+    void Whisper(const std::string& text);
 
     // Everything out, before the library's exit, which may take long.
     void Flush();

@@ -12,34 +12,9 @@
 #include "foreign_text.h"
 #include "local_operations.h"
 #include "startup_log.h"
-#include "zol/zol.h"
 
 namespace oam {
 namespace {
-
-// What _oamInit answers when a plug-in or component cannot be loaded at all.
-constexpr unsigned kCannotLoad = 0xf0027;
-
-struct StartAdvice {
-    unsigned code;
-    const char* advice;
-};
-
-constexpr StartAdvice kStartAdvice[] = {
-    {OAMERR_NOT_ENOUGH_MEMORY, "a path is longer than 127 characters; `oam check` names it"},
-    {OAMERR_FILE_READ_ERROR, "a data file cannot be opened; `oam check` names it"},
-    {OAMERR_FILE_WRITE_ERROR, "oam/cfg cannot be written: look at its owner and free space"},
-    {OAMERR_ALREADY_EXISTS,
-     "two boards with one number, or two plug-ins with one product; `oam check` finds the boards"},
-    {kCannotLoad, "the library named above cannot be loaded; `ldd` tells what it lacks"},
-    {ZOL_NO_SYMBOL, "the library named above is no complete plug-in or component; take it out"},
-};
-
-std::string startAdvice(unsigned code) {
-    for (const StartAdvice& row : kStartAdvice)
-        if (row.code == code) return row.advice;
-    return "`oam check` looks for the reason; the whole start-up log is oam/log/startup.log";
-}
 
 const Installation& ready(const Installation& place) {
     place.RequireReady(R_OK | W_OK | X_OK);
@@ -187,7 +162,12 @@ std::string LocalService::CodeName(unsigned code) {
     return name ? name : "";
 }
 
-std::unique_ptr<AlertStream> LocalService::Watch() { return std::make_unique<LocalAlerts>(*this); }
+std::unique_ptr<AlertStream> LocalService::Watch(std::optional<std::uint64_t> after) {
+    if (after)
+        throw Failure("alerts are kept by the daemon, and none serves " + place_.Directory(),
+                      "start oamd, or leave out --after", kNoDaemon);
+    return std::make_unique<LocalAlerts>(*this);
+}
 
 void LocalService::Listen(AlertInbox::Wanted wanted) {
     inbox().Listen([wanted = std::move(wanted)](const Alert& alert) {
@@ -205,17 +185,13 @@ void LocalService::ReportAlerts() {
         console_.Note(std::to_string(lost) + " alerts came too fast and are lost");
 }
 
-void LocalService::Report(const Alert& alert) {
-    std::string text = alert.text;
-    text.erase(text.find_last_not_of(" \n") + 1);
-    console_.Note(Shown(alert.source) + ": " + Shown(text));
-}
+void LocalService::Report(const Alert& alert) { console_.Remark(alert); }
 
 void LocalService::FailStart(unsigned code, time_t before) {
     const auto lines = StartupErrors(place_.Path(kStartupLog), before);
     for (const std::string& line : lines) console_.Note("start-up log: " + Shown(line));
     if (lines.empty()) ReportAlerts();
-    const Failure failure(code, "the service does not start", startAdvice(code));
+    const Failure failure(code, "the service does not start", StartAdvice(code));
     (void)_oamExit();
     (void)_oamAlertRegisterCallback(nullptr);
     throw failure;

@@ -50,7 +50,7 @@ class LocalService : public Service {
     TransferFile ImportConfiguration(const std::string& file) override;
     std::vector<ModuleFacts> Modules() override;
     std::string CodeName(unsigned code) override;
-    std::unique_ptr<AlertStream> Watch() override;
+    std::unique_ptr<AlertStream> Watch(std::optional<std::uint64_t> after) override;
 
     // Which alerts the command wants; warnings and errors are kept besides.
     void Listen(AlertInbox::Wanted wanted);

@@ -103,8 +103,8 @@ class Service {
     // The name that a plug-in or component gives a code; empty when nobody knows it.
     virtual std::string CodeName(unsigned code) = 0;
 
-    // From now on.
-    virtual std::unique_ptr<AlertStream> Watch() = 0;
+    // From now on, or (a daemon's alone) from behind that number.
+    virtual std::unique_ptr<AlertStream> Watch(std::optional<std::uint64_t> after) = 0;
 };
 
 }  // namespace oam

@@ -17,12 +17,6 @@
 namespace oam {
 namespace {
 
-// A record may come from a plug-in; an offset outside of it is answered with the empty text.
-std::string textAt(const oam_msg_tag& message, uint32_t offset) {
-    if (offset < sizeof message || offset >= message.size) return {};
-    return reinterpret_cast<const char*>(&message) + offset;
-}
-
 int millisecondsUntil(const AlertInbox::Deadline& deadline) {
     if (!deadline) return -1;
     const auto left = *deadline - std::chrono::steady_clock::now();
@@ -31,6 +25,11 @@ int millisecondsUntil(const AlertInbox::Deadline& deadline) {
 }
 
 }  // namespace
+
+std::string RecordText(const oam_msg_tag& message, uint32_t offset) {
+    if (offset < sizeof message || offset >= message.size) return {};
+    return reinterpret_cast<const char*>(&message) + offset;
+}
 
 AlertInbox& AlertInbox::Instance() {
     static AlertInbox& inbox = *new AlertInbox;
@@ -77,7 +76,8 @@ void AlertInbox::Put(const oam_msg_tag& message) noexcept {
     const std::lock_guard hold(mutex_);
     try {
         Alert alert{std::chrono::system_clock::now(), message.code, message.severity,
-                    textAt(message, message.sourceOffset), textAt(message, message.textOffset)};
+                    RecordText(message, message.sourceOffset),
+                    RecordText(message, message.textOffset)};
         if (!wanted_ || !wanted_(alert)) return;
         if (alerts_.size() >= kAlertsKept) {
             alerts_.pop_front();

@@ -27,7 +27,13 @@ struct Alert {
     unsigned severity;
     std::string source;
     std::string text;
+    // Of a daemon: the code's name, and the alert's number.
+    std::string codeName = {};
+    uint64_t sequence = 0;
 };
+
+// A text of a record that may come from a plug-in: empty when the offset is outside of it.
+std::string RecordText(const oam_msg_tag& message, uint32_t offset);
 
 constexpr size_t kAlertsKept = 10000;
 

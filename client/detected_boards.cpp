@@ -23,6 +23,10 @@ std::vector<DetectedBoard> DetectBoards() {
     const unsigned code = _oamDetectBoards();
     if (code)
         throw Failure(code, "the boards cannot be detected", "a plug-in's object cannot be opened");
+    return DetectedBoards();
+}
+
+std::vector<DetectedBoard> DetectedBoards() {
     const OpenedObject supervisor("Supervisor", OAM_OPEN_READ);
     const auto number = [&](const std::string& keyword) {
         return ParseNumber(supervisor.Keyword(keyword).text).value_or(0);

@@ -1,5 +1,4 @@
-// What is in the chassis. Detection lives in the process that ran it, so every command that needs
-// it runs it first.
+// What is in the chassis. Detection lives in the process that ran it.
 #pragma once
 
 #include <string>
@@ -17,5 +16,8 @@ struct DetectedBoard {
 
 // Asks the plug-ins and reads their answer.
 std::vector<DetectedBoard> DetectBoards();
+
+// What the last detection of this process found.
+std::vector<DetectedBoard> DetectedBoards();
 
 }  // namespace oam

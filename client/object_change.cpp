@@ -2,8 +2,11 @@
 
 #include <set>
 
+#include "board_identity.h"
 #include "failure.h"
+#include "number.h"
 #include "object_kind.h"
+#include "object_reading.h"
 #include "opened_object.h"
 #include "storable.h"
 
@@ -27,6 +30,31 @@ std::string advice(unsigned code) {
         default:
             return {};
     }
+}
+
+// Whose name or number it is that was refused as taken, as far as that can be told afterwards.
+struct Clash {
+    std::string keyword;
+    std::string value;
+    std::string rule;
+};
+
+Clash clashOf(const std::string& object, const std::vector<Assignment>& assignments) {
+    for (const Assignment& change : assignments) {
+        if (SameName(change.keyword, "Name")) {
+            for (const std::string& other : ObjectNames())
+                if (SameName(other, change.value) && !SameName(other, object))
+                    return {change.keyword, change.value,
+                            "the name " + Quoted(change.value) + " is taken already"};
+        } else if (SameName(change.keyword, "Number")) {
+            const auto number = ParseNumber(change.value);
+            const Answer owner = number ? LookUpBoard(ByNumber{*number}) : Answer{1, {}};
+            if (owner.IsGiven() && !SameName(owner.text, object))
+                return {change.keyword, change.value,
+                        "number " + change.value + " is " + Quoted(owner.text) + "'s already"};
+        }
+    }
+    return {};
 }
 
 std::string whyIsLost(const std::string& object, const Assignment& change) {
@@ -76,7 +104,8 @@ std::vector<Assignment> ParseAssignments(const std::vector<std::string>& texts) 
     return assignments;
 }
 
-void ApplyChange(const std::string& name, const std::vector<Assignment>& assignments) {
+void ApplyChange(const std::string& name, const std::vector<Assignment>& assignments,
+                 bool withoutAlert) {
     for (const Assignment& change : assignments) refuseWhatIsLost(name, change);
     OpenedObject object(name, OAM_OPEN_WRITE);
     // All of them before the first is set: setting one may change another.
@@ -92,14 +121,17 @@ void ApplyChange(const std::string& name, const std::vector<Assignment>& assignm
             throw Failure(code,
                           "cannot set " + Quoted(change.keyword) + " of " + Quoted(name) +
                               ", nothing was changed",
-                          advice(code));
+                          advice(code))
+                .About({name, change.keyword, change.value});
         }
         if (old[i].IsGiven()) before.push_back({change.keyword, old[i].text});
     }
-    const unsigned code = object.Close();
-    if (code)
-        throw Failure(code, "the change of " + Quoted(name) + " was refused, nothing was changed",
-                      advice(code));
+    const unsigned code = withoutAlert ? object.CloseWithoutAlert() : object.Close();
+    if (code == OAM_SUCCESS) return;
+    const Clash clash = code == OAMERR_ALREADY_EXISTS ? clashOf(name, assignments) : Clash{};
+    throw Failure(code, "the change of " + Quoted(name) + " was refused, nothing was changed",
+                  clash.rule.empty() ? advice(code) : clash.rule)
+        .About({name, clash.keyword, clash.value});
 }
 
 }  // namespace oam

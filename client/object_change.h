@@ -15,7 +15,8 @@ struct Assignment {
 std::vector<Assignment> ParseAssignments(const std::vector<std::string>& texts);
 
 // Throws a Failure, and keeps nothing, when the object refuses one of them or the commit, or when a
-// data file could not keep one of them.
-void ApplyChange(const std::string& object, const std::vector<Assignment>& assignments);
+// data file could not keep one of them. `withoutAlert`: the commit raises no OAMEVN_MODIFIED.
+void ApplyChange(const std::string& object, const std::vector<Assignment>& assignments,
+                 bool withoutAlert = false);
 
 }  // namespace oam

@@ -60,6 +60,11 @@ unsigned OpenedObject::Close() {
     return _oamCloseObject(handle_);
 }
 
+unsigned OpenedObject::CloseWithoutAlert() {
+    open_ = false;
+    return _oamCloseObject_WOAN(handle_);
+}
+
 std::string Element(const std::string& list, unsigned index) {
     return list + '[' + std::to_string(index) + ']';
 }

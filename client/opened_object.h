@@ -30,6 +30,8 @@ class OpenedObject {
 
     // The service's answer to the commit.
     unsigned Close();
+    // The same without OAMEVN_MODIFIED.
+    unsigned CloseWithoutAlert();
 
   private:
     std::string name_;

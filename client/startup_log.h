@@ -13,4 +13,7 @@ namespace oam {
 // one.
 std::vector<std::string> StartupErrors(const std::string& path, time_t since);
 
+// What can be done about a start that failed with this code.
+std::string StartAdvice(unsigned code);
+
 }  // namespace oam

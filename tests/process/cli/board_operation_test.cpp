@@ -72,7 +72,7 @@ TEST_F(ToolOperations, AFailureIsStatusOneWithTheServicesText) {
 
 TEST_F(ToolOperations, SeveralBoardsAreEachTold) {
     const Finished run = Run({"board", "start", "Good", "Bad", "GOOD"});
-    EXPECT_EQ(run.status, 1);
+    EXPECT_EQ(run.status, 8);
     EXPECT_EQ(run.out, "start \"Good\": done: Board is started.\n");
     EXPECT_EQ(run.err, "oam: start \"Bad\": failed: Failed to start board.\n");
 }
@@ -101,7 +101,7 @@ TEST_F(ToolOperations, AllBoardsAreAllOfTheTable) {
 
 TEST_F(ToolOperations, NoAnswerInTimeIsAnUnknownOutcome) {
     const Finished run = Run({"board", "start", "Stuck", "Good", "--timeout", "1"});
-    EXPECT_THAT(run, Complains(1, "start \"Stuck\": outcome unknown: nothing after 1 s"));
+    EXPECT_THAT(run, Complains(7, "start \"Stuck\": outcome unknown: nothing after 1 s"));
     EXPECT_EQ(run.out, "start \"Good\": done: Board is started.\n");
 }
 
@@ -110,7 +110,7 @@ TEST_F(ToolOperations, AnInterruptedWaitEndsInGoodOrder) {
         ChildProcess tool(ToolCommand({"board", "start", "Stuck", "Good"}), home.Root());
         tool.AwaitOutput("start \"Good\": done");
         tool.Signal(number);
-        EXPECT_THAT(tool.Finish(), Complains(1, "start \"Stuck\": outcome unknown: interrupted"));
+        EXPECT_THAT(tool.Finish(), Complains(7, "start \"Stuck\": outcome unknown: interrupted"));
     }
 }
 
@@ -126,7 +126,7 @@ TEST_F(ToolOperations, SynchronizedOperationsAreDoneToo) {
 
 TEST_F(ToolOperations, AnUnknownBoardIsRefusedBeforeAnythingIsDone) {
     const Finished run = Run({"board", "start", "Good", "Bogus"});
-    EXPECT_THAT(run, Complains(1, "there is no board \"Bogus\": OAMERR_NOT_FOUND"));
+    EXPECT_THAT(run, Complains(4, "there is no board \"Bogus\": OAMERR_NOT_FOUND"));
     EXPECT_THAT(run.out, IsEmpty());
 }
 

@@ -47,7 +47,7 @@ TEST_F(ToolBoardQueries, InfoTellsAllThatTheTableHolds) {
     EXPECT_EQ(info["macAddresses"], nlohmann::json({"02:00:53:02:05:00", "02:00:53:02:05:01"}));
     EXPECT_THAT(Out({"board", "info", "Sim IP lower"}),
                 HasSubstr("\nMAC addresses       02:00:53:02:05:00, 02:00:53:02:05:01\n"));
-    EXPECT_THAT(Run({"board", "info", "Bogus"}), Complains(1, "there is no board \"Bogus\""));
+    EXPECT_THAT(Run({"board", "info", "Bogus"}), Complains(4, "there is no board \"Bogus\""));
 }
 
 TEST_F(ToolBoardQueries, EveryIdentityFindsTheBoard) {
@@ -68,7 +68,7 @@ TEST_F(ToolBoardQueries, EveryIdentityFindsTheBoard) {
 
 TEST_F(ToolBoardQueries, AnIdentityThatNoBoardHasFindsNone) {
     const Finished run = Run({"board", "lookup", "--bus-slot", "9", "9"});
-    EXPECT_THAT(run, Complains(1, "no such board: OAMERR_NOT_FOUND"));
+    EXPECT_THAT(run, Complains(4, "no such board: OAMERR_NOT_FOUND"));
     EXPECT_EQ(run.out, "");
 }
 

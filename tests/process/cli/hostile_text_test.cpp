@@ -33,7 +33,7 @@ TEST_F(ToolHostileText, IsNeverInvalidJson) {
 
 TEST_F(ToolHostileText, IsEscapedInMessages) {
     const Finished run = Run({"show", "bogus\x1b]0;x\x07\n%s"});
-    EXPECT_THAT(run, Complains(1, "cannot open the object \"bogus\\x1b]0;x\\x07\\n%s\""));
+    EXPECT_THAT(run, Complains(4, "cannot open the object \"bogus\\x1b]0;x\\x07\\n%s\""));
 }
 
 TEST_F(ToolHostileText, IsEscapedByCheckAndInItsJson) {
@@ -46,8 +46,8 @@ TEST_F(ToolHostileText, IsEscapedByCheckAndInItsJson) {
 
 TEST_F(ToolHostileText, IsNotTheToolsOwnText) {
     home.Remove("oam/cfg/Obj0.xmo");
-    EXPECT_THAT(Run({"board", "create", "%s%s%n"}), Complains(1, "%s%s%n"));
-    EXPECT_THAT(Run({"set", "Supervisor", "%n=%s"}), Complains(1, "%n"));
+    EXPECT_THAT(Run({"board", "create", "%s%s%n"}), Complains(4, "%s%s%n"));
+    EXPECT_THAT(Run({"set", "Supervisor", "%n=%s"}), Complains(6, "%n"));
 }
 
 TEST_F(ToolHostileText, InFileNamesIsEscapedToo) {

@@ -89,13 +89,13 @@ TEST_F(ToolObjects, GetPrintsSeveralKeywordsInTheOrderGiven) {
 
 TEST_F(ToolObjects, GetPrintsNothingWhenOneKeywordIsMissing) {
     const Finished run = Run({"get", "Supervisor", "Name", "Bogus"});
-    EXPECT_THAT(run, Complains(1, "cannot read \"Bogus\" of \"Supervisor\": OAMERR_NOT_FOUND"));
+    EXPECT_THAT(run, Complains(4, "cannot read \"Bogus\" of \"Supervisor\": OAMERR_NOT_FOUND"));
     EXPECT_EQ(run.out, "");
 }
 
 TEST_F(ToolObjects, AnUnknownObjectIsNamed) {
     EXPECT_THAT(Run({"show", "Bogus"}),
-                Complains(1, "cannot open the object \"Bogus\": OAMERR_NOT_FOUND (0x40000004)"));
+                Complains(4, "cannot open the object \"Bogus\": OAMERR_NOT_FOUND (0x40000004)"));
 }
 
 TEST_F(ToolObjects, ReadingChangesNoDataFile) {

@@ -73,8 +73,8 @@ TEST_F(ToolUsage, ADirectoryThatIsNoInstallationIsNotMadeOne) {
 }
 
 TEST_F(ToolUsage, NamesLikeCommandsAreNames) {
-    EXPECT_THAT(Run({"show", "check"}), Complains(1, "cannot open the object \"check\""));
-    EXPECT_THAT(Run({"get", "Supervisor", "init", "board"}), Complains(1, "cannot read \"init\""));
+    EXPECT_THAT(Run({"show", "check"}), Complains(4, "cannot open the object \"check\""));
+    EXPECT_THAT(Run({"get", "Supervisor", "init", "board"}), Complains(4, "cannot read \"init\""));
 }
 
 TEST_F(ToolUsage, AnAnswerThatCannotBeWrittenIsAFailure) {

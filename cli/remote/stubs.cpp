@@ -1,0 +1,35 @@
+#include "remote/stubs.h"
+
+#include "oam/v1/refusal.pb.h"
+
+namespace oam {
+namespace {
+
+ExitStatus statusOf(grpc::StatusCode code) {
+    switch (code) {
+        case grpc::StatusCode::NOT_FOUND:
+            return kNotFound;
+        case grpc::StatusCode::PERMISSION_DENIED:
+            return kNotPermitted;
+        case grpc::StatusCode::RESOURCE_EXHAUSTED:
+            return kBusy;
+        case grpc::StatusCode::UNAVAILABLE:
+            return kNoDaemon;
+        default:
+            return kFailed;
+    }
+}
+
+}  // namespace
+
+Failure FailureOf(const grpc::Status& status) {
+    v1::Refusal refusal;
+    if (status.error_details().empty() || !refusal.ParseFromString(status.error_details()))
+        return Failure("the daemon does not answer: " + status.error_message(),
+                       "`systemctl status oamd` tells how it is", statusOf(status.error_code()));
+    const ExitStatus exit =
+        refusal.code() ? StatusOf(refusal.code()) : statusOf(status.error_code());
+    return {refusal.code(), exit, refusal.rule(), refusal.remedy()};
+}
+
+}  // namespace oam
