@@ -49,11 +49,9 @@ class Check {
         if (!file.error.empty())
             return Add({path, {}, file.error + ": the service would not start"});
         const DataFile& data = file.data;
-        if (data.mistake)
-            Add({path, data.mistake->at,
-                 data.mistake->text + "; the service sets such a file aside at its next start"});
-        if (data.objects.size() > 1)
-            Add({path, data.objects[1].at, "a second object in one data file"});
+        if (const auto why = WhyNoObject(data))
+            Add({path, why->at,
+                 why->text + "; the service sets such a file aside at its next start"});
         for (const DataObject& object : data.objects) {
             const auto decided = DecidedDataFile(object.name);
             if (decided && *decided != file.name)

@@ -137,4 +137,10 @@ DataFile ReadDataFile(std::string_view content, std::string_view root) {
     return Reader(content, root).Read();
 }
 
+std::optional<DataMistake> WhyNoObject(const DataFile& file) {
+    if (file.objects.size() > 1)
+        return DataMistake{file.objects[1].at, "a second object in one data file"};
+    return file.mistake;
+}
+
 }  // namespace oam

@@ -51,4 +51,7 @@ struct DataFile {
 
 DataFile ReadDataFile(std::string_view content, std::string_view root);
 
+// Why the service does not take a data file for its object; nothing when it does.
+std::optional<DataMistake> WhyNoObject(const DataFile& file);
+
 }  // namespace oam

@@ -11,6 +11,7 @@ namespace oam {
 struct FileContent {
     std::string content;
     std::string error;  // empty: the file was read
+    int code = 0;       // of an error the errno; 0: it is no regular file
 };
 
 constexpr size_t kLargestFile = size_t{64} << 20;

@@ -1,8 +1,8 @@
 // Who may do what.
 //
 // A role holds the ones before it: viewer, operator (start, stop, test), configurator (change,
-// create, delete), admin (import, raw buffers, restart). A file maps who is there to roles, one rule
-// a line:
+// create, delete), admin (import, raw buffers, restart). A file maps who is there to roles, one
+// rule a line:
 //
 //   # user, group and certificate names; a role each
 //   user root admin
@@ -10,9 +10,9 @@
 //   certificate noc.example.net viewer
 //   everyone viewer
 //
-// `everyone` is every local user. The highest role of all that match counts. Without a file: root and
-// the user that the daemon runs as are admin, and every other local user is a viewer. A line that is
-// none of these is a RolesError with its number, and the rules in force stay in force.
+// `everyone` is every local user. The highest role of all that match counts. Without a file: root
+// and the user that the daemon runs as are admin, and every other local user is a viewer. A line
+// that is none of these is a RolesError with its number, and the rules in force stay in force.
 #pragma once
 
 #include <sys/types.h>
@@ -64,7 +64,13 @@ class Roles {
         Kind kind;
         std::string name;
         Role role;
+        std::optional<uid_t> user;  // of kUser: by number, for one that may have no name
+
+        bool Matches(const Caller& caller) const;
     };
+    // Nothing for a blank line or a comment. A RolesError without the place.
+    static std::optional<Rule> ParseLine(std::string_view line);
+
     std::vector<Rule> rules_;
 };
 

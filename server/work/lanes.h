@@ -3,12 +3,17 @@
 // A task has a lane: a board's name (without regard to case), or none. In a lane one task runs at a
 // time and the others wait in order; tasks without a lane run as threads are free. At most
 // `threads` run at once, and a lane that hangs holds one of them.
+//
+// Every task has a thread of its own that ends with it: what the service keeps for a thread (a
+// table lock that a failed creation has left) is given back then, not when the thread gets its next
+// task.
 #pragma once
 
 #include <chrono>
 #include <cstddef>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -22,6 +27,8 @@ class Lanes {
         std::size_t waiting = 1024;
     };
     explicit Lanes(const Limits& limits);
+    Lanes(const Lanes&) = delete;
+    Lanes& operator=(const Lanes&) = delete;
     // Waits for what runs; what waits is dropped (its destructor runs).
     ~Lanes();
 
@@ -35,7 +42,8 @@ class Lanes {
     struct Refusal {
         std::string text;  // "GetBoardStatus of \"Board 3\" has not returned for 40 s"
     };
-    // Nothing when it was taken. The task must not throw.
+    // Nothing when it was taken. The task must not throw. A thread that cannot be made is a refusal
+    // too.
     std::optional<Refusal> Post(const std::string& what, const std::string& lane,
                                 std::function<void()> task);
 
@@ -44,7 +52,9 @@ class Lanes {
     std::size_t Waiting() const;
 
     // Holds new tasks back, waits until none runs (at most `limit`), calls `alone` on this thread,
-    // and lets the tasks go on. False, and nothing was called, when the time was over.
+    // and lets the tasks go on. False, and nothing was called, when the time was over. A task that
+    // calls it waits for itself until then. Should the system not have one thread for the tasks
+    // that were held back, they are dropped.
     bool Alone(std::chrono::milliseconds limit, const std::function<void()>& alone);
 
   private:

@@ -1,0 +1,151 @@
+#include "transport/calls.h"
+
+#include <grpcpp/security/auth_context.h>
+
+#include <new>
+
+#include "failure.h"
+#include "foreign_text.h"
+#include "journal/journal.h"
+#include "transport/refusal_status.h"
+
+namespace oam::server {
+namespace {
+
+// Longer than any name or value that a data file can hold.
+constexpr std::size_t kLongestText = 64 * 1024;
+
+// How long work that is to be alone waits for what runs.
+constexpr auto kPatience = std::chrono::seconds(30);
+
+// The end of one call: whoever forgets to answer has answered.
+class Answer {
+  public:
+    explicit Answer(std::function<void(const grpc::Status&)> tell) : tell_(std::move(tell)) {}
+    ~Answer() {
+        if (tell_) tell_(Refused(grpc::StatusCode::UNAVAILABLE, "the daemon ends"));
+    }
+    Answer(const Answer&) = delete;
+    Answer& operator=(const Answer&) = delete;
+
+    void Give(const grpc::Status& status) { std::exchange(tell_, nullptr)(status); }
+
+  private:
+    std::function<void(const grpc::Status&)> tell_;
+};
+
+grpc::Status guarded(const Calls::Work& work, const Call& call) {
+    try {
+        return work(call);
+    } catch (const CallRefusal& refusal) {
+        return refusal.Status();
+    } catch (const Failure& failure) {
+        return RefusalOf(failure);
+    } catch (const std::bad_alloc&) {
+        return Refused(grpc::StatusCode::RESOURCE_EXHAUSTED, "the daemon is out of memory");
+    } catch (const std::exception& error) {
+        return Refused(grpc::StatusCode::INTERNAL, error.what());
+    }
+}
+
+Caller callerOf(const grpc::ServerContextBase& context, const Callers& callers) {
+    if (auto local = callers.Find(context.peer())) return std::move(*local);
+    Caller caller;
+    const auto authority = context.auth_context();
+    if (authority && authority->IsPeerAuthenticated()) {
+        const auto names = authority->GetPeerIdentity();
+        if (!names.empty()) caller.certificate.assign(names[0].data(), names[0].size());
+    }
+    return caller;
+}
+
+}  // namespace
+
+Calls::Calls(const Callers& callers, Lanes& lanes, Journal& journal)
+    : callers_(callers),
+      lanes_(lanes),
+      journal_(journal),
+      roles_(std::make_shared<const Roles>()) {}
+
+Calls::~Calls() {
+    if (aloneThread_.joinable()) aloneThread_.join();
+}
+
+void Calls::SetRoles(std::shared_ptr<const Roles> roles) {
+    const std::lock_guard hold(mutex_);
+    roles_ = std::move(roles);
+}
+
+grpc::Status Calls::Admit(const grpc::ServerContextBase& context, const Verb& verb,
+                          const std::string& object, Call* call) const {
+    std::shared_ptr<const Roles> roles;
+    {
+        const std::lock_guard hold(mutex_);
+        roles = roles_;
+    }
+    call->caller = callerOf(context, callers_);
+    call->role = roles->Of(call->caller);
+    call->user = Shown(call->caller.Name());
+    if (call->role >= verb.role) return grpc::Status::OK;
+    journal_.Denied(*call, verb, object);
+    return Refused(grpc::StatusCode::PERMISSION_DENIED,
+                   call->user + " may not " + verb.name + ": this needs the role " +
+                       RoleName(verb.role) + ", and theirs is " + RoleName(call->role),
+                   "an administrator gives roles in the daemon's roles file");
+}
+
+grpc::ServerUnaryReactor* Calls::Take(grpc::CallbackServerContext* context, const Verb& verb,
+                                      const std::string& lane, Work work) {
+    auto* const reactor = context->DefaultReactor();
+    Call call;
+    const grpc::Status admitted = Admit(*context, verb, lane, &call);
+    if (admitted.ok())
+        Start(call, verb, lane, std::move(work),
+              [reactor](const grpc::Status& status) { reactor->Finish(status); });
+    else
+        reactor->Finish(admitted);
+    return reactor;
+}
+
+void Calls::Start(const Call& call, const Verb& verb, const std::string& lane, Work work,
+                  std::function<void(const grpc::Status&)> tell) {
+    const auto answer = std::make_shared<Answer>(std::move(tell));
+    const auto refusal = lanes_.Post(verb.name, lane, [answer, call, work = std::move(work)] {
+        answer->Give(guarded(work, call));
+    });
+    if (refusal)
+        answer->Give(Refused(grpc::StatusCode::RESOURCE_EXHAUSTED, refusal->text,
+                             "`oam doctor` tells what hangs"));
+}
+
+void Calls::StartAlone(const Call& call, const Verb& verb, Work work,
+                       std::function<void(const grpc::Status&)> tell) {
+    const std::lock_guard hold(aloneMutex_);
+    if (isAlone_)
+        return tell(Refused(grpc::StatusCode::RESOURCE_EXHAUSTED,
+                            "an import, start, stop or restart is under way", "try again"));
+    if (aloneThread_.joinable()) aloneThread_.join();
+    isAlone_ = true;
+    aloneThread_ = std::thread([this, call, verb, work = std::move(work), tell = std::move(tell)] {
+        grpc::Status status = Refused(grpc::StatusCode::UNAVAILABLE,
+                                      std::string(verb.name) + " waits for calls that do not end",
+                                      "`oam doctor` tells what hangs");
+        (void)lanes_.Alone(kPatience, [&] { status = guarded(work, call); });
+        {
+            const std::lock_guard holdAlone(aloneMutex_);
+            isAlone_ = false;
+        }
+        tell(status);
+    });
+}
+
+std::string TextOf(const std::string& bytes, const char* what) {
+    const char* problem = nullptr;
+    if (bytes.size() > kLongestText) problem = " is too long";
+    if (bytes.find('\0') != std::string::npos) problem = " has a NUL byte";
+    if (problem != nullptr)
+        throw CallRefusal(Refused(grpc::StatusCode::INVALID_ARGUMENT, std::string(what) + problem));
+    return bytes;
+}
+
+}  // namespace oam::server
