@@ -16,7 +16,8 @@ ExitStatus ServiceCommand::Run(Context& context) {
     const Interruption interruption;
     context_ = &context;
     interruption_ = &interruption;
-    const auto service = OpenService(context, interruption);
+    const auto service =
+        NeedsDaemon() ? OpenDaemon(context, interruption) : OpenService(context, interruption);
     // The start may take long; who interrupted it wants no change any more.
     if (IsInterrupted()) return kInterrupted;
     const ExitStatus status = Work(*service, context.console);

@@ -40,6 +40,9 @@ class ServiceCommand : public Command {
   protected:
     virtual ExitStatus Work(Service& service, Console& console) = 0;
 
+    // What cannot be done without one.
+    virtual bool NeedsDaemon() const { return false; }
+
     // While it works.
     const Installation& Place() const { return context_->place; }
     bool IsInterrupted() const;
@@ -73,5 +76,6 @@ std::span<const CommandRow> ConfigCommands();
 std::span<const CommandRow> MonitorCommands();
 std::span<const CommandRow> InfoCommands();
 std::span<const CommandRow> PluginCommands();
+std::span<const CommandRow> DaemonCommands();
 
 }  // namespace oam

@@ -12,8 +12,9 @@ namespace oam {
 namespace {
 
 constexpr const char* kSummary =
-    "Works on an installation of the OA&M service directly: the service runs in this process for\n"
-    "as long as the command takes, so nothing else may use the installation meanwhile.";
+    "Looks after an installation of the OA&M service. When a daemon serves it, oam is its client;\n"
+    "else the service runs in this process for as long as the command takes, and nothing else may\n"
+    "use the installation meanwhile.";
 
 struct FamilyRow {
     const char* name;
@@ -23,6 +24,8 @@ struct FamilyRow {
 
 constexpr FamilyRow kFamilies[] = {
     {"board", "Boards: find, create, start and so on", "oam board list\noam board start --all"},
+    {"config", "The configuration's history, of a daemon", "oam config history"},
+    {"service", "The life of the service in a daemon", "oam service restart"},
     {"plugin", "Board plug-ins and components", "oam plugin list"},
 };
 
@@ -57,9 +60,9 @@ CommandLine::CommandLine() : app_(std::make_unique<CLI::App>(kSummary, "oam")) {
         family->require_subcommand(1);
         family->footer(exampleText(row.examples));
     }
-    for (const auto family :
-         {InitCommands, ObjectCommands, ChangeCommands, BoardCommands, BoardQueryCommands,
-          BoardOperationCommands, ConfigCommands, MonitorCommands, PluginCommands, InfoCommands})
+    for (const auto family : {InitCommands, ObjectCommands, ChangeCommands, BoardCommands,
+                              BoardQueryCommands, BoardOperationCommands, ConfigCommands,
+                              MonitorCommands, PluginCommands, InfoCommands, DaemonCommands})
         for (const CommandRow& row : family()) Add(row);
 }
 

@@ -37,7 +37,10 @@ class LocalAlerts : public AlertStream {
     std::optional<Alert> Next(const AlertInbox::Deadline& deadline) override {
         return service_.Wait(deadline);
     }
-    std::size_t TakeLost() override { return inbox().TakeLost(); }
+    std::string TakeGap() override {
+        const size_t lost = inbox().TakeLost();
+        return lost ? std::to_string(lost) + " alerts came too fast and are lost" : std::string();
+    }
 
   private:
     LocalService& service_;

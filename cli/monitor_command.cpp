@@ -1,6 +1,5 @@
 // oam monitor: the service runs in the foreground, its alerts go to standard output.
 #include <charconv>
-#include <ctime>
 
 #include "arguments.h"
 #include "command.h"
@@ -8,18 +7,10 @@
 #include "foreign_text.h"
 #include "oam/entry.h"
 #include "service.h"
+#include "time_text.h"
 
 namespace oam {
 namespace {
-
-std::string timeText(std::chrono::system_clock::time_point time) {
-    const time_t seconds = std::chrono::system_clock::to_time_t(time);
-    tm local{};
-    char text[32];
-    localtime_r(&seconds, &local);
-    std::strftime(text, sizeof text, "%Y-%m-%dT%H:%M:%S%z", &local);
-    return text;
-}
 
 const char* severityText(unsigned severity) {
     switch (severity) {
@@ -40,7 +31,8 @@ std::string nameOf(const Alert& alert) {
 
 void print(Console& console, const Alert& alert) {
     if (console.IsJson())
-        return console.StreamJson({{"time", timeText(alert.time)},
+        return console.StreamJson({{"sequence", alert.sequence ? Json(alert.sequence) : Json()},
+                                   {"time", TimeText(alert.time)},
                                    {"severity", severityText(alert.severity)},
                                    {"code", alert.code},
                                    {"event", nameOf(alert)},
@@ -50,7 +42,7 @@ void print(Console& console, const Alert& alert) {
     text.erase(text.find_last_not_of(" \n") + 1);
     std::string severity = severityText(alert.severity);
     severity.resize(sizeof "warning" - 1, ' ');
-    console.Stream(timeText(alert.time) + "  " + severity + "  " + Shown(nameOf(alert)) + "  " +
+    console.Stream(TimeText(alert.time) + "  " + severity + "  " + Shown(nameOf(alert)) + "  " +
                    Quoted(alert.source) + "  " + Shown(text));
 }
 
@@ -81,9 +73,8 @@ class MonitorCommand : public ServiceCommand {
         for (unsigned seen = 0; !count_ || seen < *count_; ++seen) {
             const auto alert = alerts->Next(deadline);
             if (!alert) return IsInterrupted() ? kInterrupted : kDone;
+            if (const std::string gap = alerts->TakeGap(); !gap.empty()) console.Note(gap);
             print(console, *alert);
-            if (const size_t lost = alerts->TakeLost())
-                console.Note(std::to_string(lost) + " alerts came too fast and are lost");
         }
         return kDone;
     }

@@ -10,16 +10,32 @@
 
 namespace oam {
 
-std::unique_ptr<Service> OpenService(const Context& context, const Interruption& interruption) {
+namespace {
+
+// Nothing when none listens.
+std::unique_ptr<Service> connect(const Context& context, const Interruption& interruption) {
     try {
         const auto daemon = wire::Connect(wire::SocketPath(context.place.Directory()));
-        if (daemon) return ConnectRemoteService(*daemon, context.console, interruption);
+        if (!daemon) return nullptr;
+        return ConnectRemoteService(*daemon, context.console, interruption);
     } catch (const std::system_error& error) {
         throw Failure(std::string("the daemon cannot be reached: ") + error.what(),
                       "`systemctl status oamd` tells how it is", kNoDaemon);
     }
+}
+
+}  // namespace
+
+std::unique_ptr<Service> OpenService(const Context& context, const Interruption& interruption) {
+    if (auto service = connect(context, interruption)) return service;
     return std::make_unique<LocalService>(context.place, context.title, context.console,
                                           interruption);
+}
+
+std::unique_ptr<Service> OpenDaemon(const Context& context, const Interruption& interruption) {
+    if (auto service = connect(context, interruption)) return service;
+    throw Failure("no daemon serves " + context.place.Directory(),
+                  "start one: oamd --dir " + context.place.Directory(), kNoDaemon);
 }
 
 }  // namespace oam

@@ -12,4 +12,7 @@ struct Context;
 // A service that cannot be reached or started is a Failure.
 std::unique_ptr<Service> OpenService(const Context& context, const Interruption& interruption);
 
+// The daemon's, or a Failure that none serves the installation.
+std::unique_ptr<Service> OpenDaemon(const Context& context, const Interruption& interruption);
+
 }  // namespace oam

@@ -24,6 +24,7 @@
 
 namespace oam {
 
+class Daemon;
 class Interruption;
 
 enum class OperationKind { kStart, kStop, kTest };
@@ -59,13 +60,16 @@ class AlertStream {
 
     // The next one; nothing at the deadline and after an interruption.
     virtual std::optional<Alert> Next(const AlertInbox::Deadline& deadline) = 0;
-    // How many are missing before it.
-    virtual std::size_t TakeLost() = 0;
+    // Which are missing before it, as a sentence; empty: none.
+    virtual std::string TakeGap() = 0;
 };
 
 class Service {
   public:
     virtual ~Service() = default;
+
+    // What only a daemon can be asked; null in this process.
+    virtual Daemon* AsDaemon() { return nullptr; }
 
     virtual std::vector<std::string> ObjectNames() = 0;
     virtual std::vector<KeywordFacts> ReadObject(const std::string& name,

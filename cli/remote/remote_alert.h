@@ -6,16 +6,15 @@
 
 namespace oam {
 
-inline Alert AlertOf(const v1::Alert& told) {
+inline std::chrono::system_clock::time_point TimeOf(const google::protobuf::Timestamp& told) {
     using namespace std::chrono;
-    const auto since = seconds(told.time().seconds()) + nanoseconds(told.time().nanos());
-    return {system_clock::time_point(duration_cast<system_clock::duration>(since)),
-            told.code(),
-            told.severity(),
-            told.source(),
-            told.text(),
-            told.code_name(),
-            told.sequence()};
+    const auto since = seconds(told.seconds()) + nanoseconds(told.nanos());
+    return system_clock::time_point(duration_cast<system_clock::duration>(since));
+}
+
+inline Alert AlertOf(const v1::Alert& told) {
+    return {TimeOf(told.time()), told.code(),      told.severity(), told.source(),
+            told.text(),         told.code_name(), told.sequence()};
 }
 
 }  // namespace oam

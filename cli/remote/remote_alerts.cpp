@@ -30,14 +30,19 @@ class RemoteAlerts : public AlertStream {
 
     std::optional<Alert> Next(const AlertInbox::Deadline& deadline) override {
         while (const auto event = queue_.Next(deadline, interruption_)) {
-            if (event->has_gap()) lost_ += event->gap().last() - event->gap().first() + 1;
+            if (event->has_gap())
+                gap_ += (gap_.empty() ? "alerts " : ", ") + std::to_string(event->gap().first()) +
+                        " to " + std::to_string(event->gap().last());
             if (event->has_alert()) return AlertOf(event->alert());
         }
         if (queue_.IsEnded() && !status_.ok()) throw FailureOf(status_);
         return std::nullopt;
     }
 
-    std::size_t TakeLost() override { return std::exchange(lost_, 0); }
+    std::string TakeGap() override {
+        const std::string gap = std::exchange(gap_, "");
+        return gap.empty() ? gap : gap + " are not kept any more";
+    }
 
   private:
     const Interruption& interruption_;
@@ -46,7 +51,7 @@ class RemoteAlerts : public AlertStream {
     std::unique_ptr<grpc::ClientReader<v1::WatchAlertsResponse>> stream_;
     EventQueue<v1::WatchAlertsResponse> queue_;
     grpc::Status status_;
-    std::size_t lost_ = 0;
+    std::string gap_;  // since the last question
     std::thread reader_;
 };
 

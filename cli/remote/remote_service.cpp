@@ -5,9 +5,11 @@
 #include <fstream>
 
 #include "console.h"
+#include "file_content.h"
 #include "foreign_text.h"
 #include "remote/remote_alert.h"
 #include "remote/remote_alerts.h"
+#include "remote/remote_daemon.h"
 #include "remote/remote_operations.h"
 #include "remote/stubs.h"
 
@@ -69,6 +71,8 @@ class RemoteService : public Service {
     RemoteService(const std::shared_ptr<grpc::Channel>& channel, Console& console,
                   const Interruption& interruption)
         : stubs_(channel), console_(console), interruption_(interruption) {}
+
+    Daemon* AsDaemon() override { return &daemon_; }
 
     std::string Greet() {
         const auto info = Ask(*stubs_.host, &v1::Host::Stub::GetHost, v1::GetHostRequest());
@@ -251,6 +255,7 @@ class RemoteService : public Service {
     }
 
     Stubs stubs_;
+    RemoteDaemon daemon_{stubs_};
     Console& console_;
     const Interruption& interruption_;
 };
@@ -275,16 +280,15 @@ TransferFile RemoteService::ExportConfiguration(const std::string& file) {
 }
 
 TransferFile RemoteService::ImportConfiguration(const std::string& file) {
-    std::ifstream in(file, std::ios::binary);
-    if (!in) throw Failure("cannot read " + Quoted(file));
+    const FileContent content = LoadFile(file);
+    if (!content.error.empty()) throw Failure("cannot read " + Quoted(file) + ": " + content.error);
     grpc::ClientContext context;
     v1::ImportResponse response;
     const auto stream = stubs_.configuration->Import(&context, &response);
-    v1::ImportRequest request;
     constexpr std::size_t kPiece = 64 * 1024;
-    std::string piece(kPiece, '\0');
-    while (in.read(piece.data(), kPiece), in.gcount() > 0) {
-        request.set_piece(piece.data(), static_cast<std::size_t>(in.gcount()));
+    for (std::size_t at = 0; at < content.content.size(); at += kPiece) {
+        v1::ImportRequest request;
+        request.set_piece(content.content.substr(at, kPiece));
         if (!stream->Write(request)) break;
     }
     (void)stream->WritesDone();

@@ -70,11 +70,18 @@ class ToolExamples : public ToolTest {
         return all;
     }
 
+    static bool NeedsDaemon(const std::string& example) {
+        for (const char* words : {"oam host", "oam doctor", "oam service", "oam config", "--after"})
+            if (example.find(words) != std::string::npos) return true;
+        return false;
+    }
+
     static void RunInAnInstallation(const std::string& example) {
         Installation place;
         std::filesystem::copy_file(OAM_SIM_PLUGIN, place.Path("lib/sim.bpi"));
         std::filesystem::copy_file(OAM_WATCH_COMPONENT, place.Path("lib/watch.emc"));
         place.Write("command.txt", "temperature 400\n");
+        const Served daemon = NeedsDaemon(example) ? Serve(place) : nullptr;
         const bool isAddition = example.find("board add") != std::string::npos;
         if (!isAddition)
             RunShell(place,

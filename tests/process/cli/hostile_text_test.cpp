@@ -51,6 +51,7 @@ TEST_F(ToolHostileText, IsNotTheToolsOwnText) {
 }
 
 TEST_F(ToolHostileText, InFileNamesIsEscapedToo) {
+    OAM_DIRECT_ONLY();
     home.WriteDataFile("a\x1b\nb.xmo", "rubbish");
     const Finished run = Run({"check"});
     EXPECT_THAT(run.out, HasSubstr("a\\x1b\\nb.xmo"));

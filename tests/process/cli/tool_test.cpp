@@ -1,8 +1,13 @@
 #include "tool_test.h"
 
+#include <signal.h>
+
+#include <cstdlib>
 #include <filesystem>
 
 namespace oam::test {
+
+bool IsServed() { return std::getenv("OAM_TEST_SERVED") != nullptr; }
 
 Words ToolCommand(const Words& arguments) {
     Words command{OAM_TOOL};
@@ -11,7 +16,24 @@ Words ToolCommand(const Words& arguments) {
 }
 
 Finished ToolTest::Run(const Words& arguments) const {
+    const auto daemon = Serve();
     return ChildProcess(ToolCommand(arguments), home.Root()).Finish();
+}
+
+void EndInOrder::operator()(ChildProcess* daemon) const {
+    daemon->Signal(SIGTERM);
+    EXPECT_EQ(daemon->Finish().status, 0);
+    delete daemon;
+}
+
+Served ToolTest::Serve() const {
+    return IsServed() && home.Exists("oam/cfg") ? Serve(home) : nullptr;
+}
+
+Served ToolTest::Serve(const Installation& place) {
+    Served daemon(new ChildProcess({OAM_DAEMON}, place.Root()));
+    daemon->AwaitError("serves ");
+    return daemon;
 }
 
 std::string ToolTest::Out(const Words& arguments) const {

@@ -4,6 +4,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <memory>
 #include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
@@ -18,6 +19,11 @@ using Words = std::vector<std::string>;
 
 // The command of the tool with these arguments.
 Words ToolCommand(const Words& arguments);
+
+struct EndInOrder {
+    void operator()(ChildProcess* daemon) const;
+};
+using Served = std::unique_ptr<ChildProcess, EndInOrder>;
 
 class ToolTest : public ::testing::Test {
   protected:
@@ -38,8 +44,19 @@ class ToolTest : public ::testing::Test {
     // "oam/cfg" as file names and contents.
     std::vector<std::string> DataFiles() const;
 
+    // With OAM_TEST_SERVED in the environment a daemon on the installation, until the end of the
+    // scope; every run of the tool then has one of its own, since tests change files in between.
+    Served Serve() const;
+    // On that one, whatever the environment says.
+    static Served Serve(const Installation& place);
+
     Installation home;
 };
+
+// For tests of what only the tool in its own process does.
+bool IsServed();
+#define OAM_DIRECT_ONLY() \
+    if (IsServed()) GTEST_SKIP() << "a daemon does this by itself"
 
 // What the tool's own messages begin with.
 MATCHER_P2(Complains, status, text, "") {

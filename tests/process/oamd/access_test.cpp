@@ -1,0 +1,102 @@
+// Who may do what, and what a stranger's bytes do.
+#include <signal.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <random>
+
+#include "daemon_test.h"
+#include "wire/local_socket.h"
+
+namespace oam::test {
+namespace {
+
+class DaemonAccess : public DaemonTest {
+  protected:
+    void SetUp() override { Start(); }
+
+    grpc::Status Change(Client& client, const std::string& keyword, const std::string& value) {
+        v1::ChangeObjectRequest request;
+        request.set_name("Sim E1 left");
+        auto* const change = request.add_changes();
+        change->set_keyword(keyword);
+        change->set_value(value);
+        v1::ChangeObjectResponse response;
+        return Call(*client.objects, &v1::Objects::Stub::ChangeObject, request, &response);
+    }
+};
+
+TEST_F(DaemonAccess, IsByTheRolesFileWhichIsReadAgainOnDemand) {
+    home.Write("oam/roles.conf", "everyone viewer\n");
+    daemon->Signal(SIGHUP);
+    daemon->AwaitError("roles were read again");
+    Client client(home);
+    const grpc::Status status = Change(client, "Number", "40");
+    EXPECT_EQ(status.error_code(), grpc::StatusCode::PERMISSION_DENIED);
+    EXPECT_EQ(RefusalIn(status).party(), v1::Refusal::PARTY_DAEMON);
+    daemon->AwaitError("denied: ");
+    v1::ListBoardsResponse boards;
+    EXPECT_TRUE(
+        Call(*client.boards, &v1::Boards::Stub::ListBoards, v1::ListBoardsRequest(), &boards).ok());
+    EXPECT_EQ(boards.boards_size(), 4);
+}
+
+TEST_F(DaemonAccess, StaysAsItWasWhenTheRolesFileIsWrong) {
+    home.Write("oam/roles.conf", "everyone emperor\n");
+    daemon->Signal(SIGHUP);
+    daemon->AwaitError("roles.conf:1: ");
+    Client client(home);
+    EXPECT_TRUE(Change(client, "Number", "40").ok());
+}
+
+TEST_F(DaemonAccess, RefusalsNameTheKeywordTheValueAndTheRule) {
+    Client client(home);
+    const grpc::Status status = Change(client, "Number", "1");
+    EXPECT_EQ(status.error_code(), grpc::StatusCode::ALREADY_EXISTS);
+    const v1::Refusal refusal = RefusalIn(status);
+    EXPECT_EQ(refusal.code_name(), "OAMERR_ALREADY_EXISTS");
+    EXPECT_EQ(refusal.object(), "Sim E1 left");
+    EXPECT_EQ(refusal.keyword(), "Number");
+    EXPECT_EQ(refusal.value(), "1");
+}
+
+TEST_F(DaemonAccess, BytesThatAreNoRequestCostNobodyElseAnything) {
+    std::minstd_rand random(1);
+    const std::string preface = "PRI * HTTP/2.0\r\n\r\nSM\r\n\r\n";
+    for (int round = 0; round < 50; ++round) {
+        const auto stranger = wire::Connect(wire::SocketPath(home.Root()));
+        ASSERT_TRUE(stranger);
+        std::string bytes = round % 2 == 0 ? preface : "";
+        for (int i = 0; i < round * 20; ++i) bytes += static_cast<char>(random());
+        (void)!send(*stranger, bytes.data(), bytes.size(), MSG_NOSIGNAL);
+        close(*stranger);
+    }
+    EXPECT_NE(Tool({"board", "list"}), "");
+}
+
+TEST_F(DaemonAccess, NamesOfAnyBytesAreAnsweredOrRefused) {
+    Client client(home);
+    std::minstd_rand random(2);
+    for (int round = 0; round < 200; ++round) {
+        v1::ReadObjectRequest request;
+        std::string name;
+        for (int i = 0; i < round; ++i) name += static_cast<char>(random());
+        request.set_name(name);
+        v1::ReadObjectResponse response;
+        const auto code =
+            Call(*client.objects, &v1::Objects::Stub::ReadObject, request, &response).error_code();
+        EXPECT_TRUE(code == grpc::StatusCode::NOT_FOUND ||
+                    code == grpc::StatusCode::INVALID_ARGUMENT)
+            << code;
+    }
+}
+
+TEST_F(DaemonAccess, ASecondDaemonIsToldWhoServesTheInstallation) {
+    const Finished second = ChildProcess({OAM_DAEMON}, home.Root()).Finish();
+    EXPECT_EQ(second.status, 1);
+    EXPECT_THAT(second.err, ::testing::HasSubstr("oamd"));
+    EXPECT_THAT(second.err, ::testing::HasSubstr(std::to_string(daemon->Pid())));
+}
+
+}  // namespace
+}  // namespace oam::test

@@ -1,0 +1,93 @@
+// What was changed, by whom, and back again.
+#include <unistd.h>
+
+#include "daemon_test.h"
+
+namespace oam::test {
+namespace {
+
+constexpr const char* kBoard = "Sim E1 left";
+
+class DaemonHistory : public DaemonTest {
+  protected:
+    void SetUp() override { Start(); }
+
+    static v1::ListHistoryResponse History(Client& client, const std::string& object) {
+        v1::ListHistoryRequest request;
+        request.set_object(object);
+        v1::ListHistoryResponse response;
+        const auto status =
+            Call(*client.configuration, &v1::Configuration::Stub::ListHistory, request, &response);
+        EXPECT_TRUE(status.ok()) << status.error_message();
+        return response;
+    }
+};
+
+TEST_F(DaemonHistory, TellsWhoChangedWhatFromWhichValueToWhich) {
+    Tool({"set", kBoard, "Number=40", "Driver.BoardId=trunk"});
+    Client client(home);
+    const auto history = History(client, kBoard);
+    ASSERT_GE(history.entries_size(), 2);
+    const auto& newest = history.entries(0);
+    EXPECT_EQ(newest.action(), "change");
+    EXPECT_EQ(newest.object(), kBoard);
+    EXPECT_NE(newest.user(), "");
+    std::map<std::string, std::pair<std::string, std::string>> changes;
+    for (const auto& change : newest.changes())
+        changes[change.keyword()] = {change.old_value(), change.new_value()};
+    EXPECT_EQ(changes["Number"], std::pair(std::string("0"), std::string("40")));
+    EXPECT_EQ(changes["Driver.BoardId"].second, "trunk");
+    EXPECT_EQ(history.entries(1).action(), "add");
+}
+
+TEST_F(DaemonHistory, BringsAnObjectsKeywordsBack) {
+    Client client(home);
+    const std::uint64_t before = History(client, kBoard).entries(0).generation();
+    Tool({"set", kBoard, "Number=40"});
+    v1::RollBackRequest request;
+    request.set_generation(before);
+    request.set_object(kBoard);
+    v1::RollBackResponse response;
+    const auto status =
+        Call(*client.configuration, &v1::Configuration::Stub::RollBack, request, &response);
+    ASSERT_TRUE(status.ok()) << status.error_message();
+    EXPECT_GT(response.generation(), before);
+    EXPECT_EQ(Tool({"get", kBoard, "Number"}), "0\n");
+    EXPECT_EQ(History(client, kBoard).entries(0).action(), "rollback");
+}
+
+TEST_F(DaemonHistory, BringsTheWholeConfigurationBack) {
+    Client client(home);
+    const std::uint64_t before = History(client, "").entries(0).generation();
+    const std::string boards = Tool({"board", "list"});
+    Tool({"board", "delete", kBoard});
+    Tool({"set", "Sim E1 right", "Number=41"});
+    v1::RollBackRequest request;
+    request.set_generation(before);
+    v1::RollBackResponse response;
+    const auto status =
+        Call(*client.configuration, &v1::Configuration::Stub::RollBack, request, &response);
+    ASSERT_TRUE(status.ok()) << status.error_message();
+    EXPECT_EQ(Tool({"board", "list"}), boards);
+}
+
+TEST_F(DaemonHistory, PutsASpoiledDataFileBackAndSaysSo) {
+    Tool({"set", kBoard, "Number=40"});
+    End();
+    std::string spoiled;
+    for (const std::string& name : home.List("oam/cfg"))
+        if (name.ends_with(".xmo") &&
+            home.ReadDataFile(name).find("Sim E1 left") != std::string::npos)
+            spoiled = name;
+    ASSERT_NE(spoiled, "");
+    home.Write("oam/cfg/" + spoiled, "");
+    StartAgain();
+    EXPECT_EQ(Tool({"get", kBoard, "Number"}), "40\n");
+    const auto files = home.List("oam/cfg");
+    EXPECT_TRUE(std::any_of(files.begin(), files.end(), [&](const std::string& name) {
+        return name.starts_with(spoiled + ".spoiled-");
+    }));
+}
+
+}  // namespace
+}  // namespace oam::test
