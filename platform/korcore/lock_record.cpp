@@ -61,9 +61,14 @@ bool korTrustLockRecord(void* data, size_t size) noexcept {
     if (state == KorLockRecord::kMaking || isAllZero(data, size)) {
         return korWriteLockRecord(data, size);
     }
-    return state == KorLockRecord::kReady && record->size == sizeof(KorLockRecord) &&
-           record->end == KorLockRecord::kEnd &&
-           std::all_of(std::begin(record->mutex), std::end(record->mutex), isOurKind);
+    if (state != KorLockRecord::kReady || record->size != sizeof(KorLockRecord) ||
+        record->end != KorLockRecord::kEnd) {
+        return false;
+    }
+    // Who died while it made the next mutex has left it like this; nobody uses it yet.
+    pthread_mutex_t* next = record->MutexOf(record->generation.load(std::memory_order_acquire) + 1);
+    if (!isOurKind(*next) && !initialiseMutex(next)) return false;
+    return std::all_of(std::begin(record->mutex), std::end(record->mutex), isOurKind);
 }
 
 bool korReplaceMutex(void* data, uint32_t lostGeneration) noexcept {

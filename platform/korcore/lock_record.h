@@ -39,8 +39,8 @@ static_assert(std::atomic<uint32_t>::is_always_lock_free);
 // Writes a free lock. Death on the way leaves a record that korTrustLockRecord completes.
 bool korWriteLockRecord(void* data, size_t size) noexcept;
 
-// Both under the file's lock. Whether the bytes are a lock of ours; one that was never completed is
-// written anew.
+// Both under the file's lock. Whether the bytes are a lock of ours; what was never completed of one
+// is written anew.
 bool korTrustLockRecord(void* data, size_t size) noexcept;
 // Goes on to the next mutex after the one of this generation, unless somebody has done so already.
 bool korReplaceMutex(void* data, uint32_t lostGeneration) noexcept;

@@ -135,6 +135,16 @@ TEST_F(LockFile, WhoseWritingWasInterruptedIsCompleted) {
     ExpectWorks();
 }
 
+// As a death leaves the next mutex in the middle of its making.
+TEST_F(LockFile, WhoseReplacingWasInterruptedIsCompleted) {
+    std::string record = GoodRecord();
+    record.replace(offsetof(KorLockRecord, mutex[1]), sizeof(pthread_mutex_t),
+                   sizeof(pthread_mutex_t), '\0');
+    WriteFile(kName, record);
+    ExpectWorks();
+    EXPECT_EQ(GoodRecord(), ReadFile(kName));
+}
+
 TEST_F(LockFile, CutShortIsNoticedAtTheNextLock) {
     CKorMutex mutex(0, kName);
     ASSERT_TRUE(take(mutex));
