@@ -73,6 +73,73 @@ class DescriptorLock {
     bool held_ = false;
 };
 
+// A file that others see only when it is complete. Without a name until then, its maker's death
+// leaves nothing behind; but not every file system has such files, and not every host's rules let
+// one be named. Then it has a name beside the right one.
+class NewFile {
+  public:
+    enum Kind { kNameless, kBeside };
+
+    NewFile(const char* path, Kind kind) : path_(path), kind_(kind) {
+        descriptor_ = kind == kNameless ? OpenNameless() : OpenBeside();
+    }
+    ~NewFile() {
+        if (kind_ == kBeside && descriptor_ >= 0 && !isNamed_) unlink(beside_);
+        if (descriptor_ >= 0 && !isTaken_) close(descriptor_);
+    }
+    NewFile(const NewFile&) = delete;
+    NewFile& operator=(const NewFile&) = delete;
+
+    bool IsOpen() const { return descriptor_ >= 0; }
+    int Get() const { return descriptor_; }
+    // From now on another one closes the descriptor, after GiveName.
+    void Take() { isTaken_ = true; }
+
+    // 0, or what errno says: EEXIST when another file has the name. `replace`: there is an empty
+    // one of this name, which the caller has locked.
+    int GiveName(bool replace) {
+        int failed = kind_ == kNameless ? Link() : Rename(replace ? 0 : RENAME_NOREPLACE);
+        if (failed == EEXIST && replace) {
+            failed = unlink(path_) == 0 || errno == ENOENT ? Link() : errno;
+        }
+        isNamed_ = failed == 0;
+        return failed;
+    }
+
+  private:
+    // Where an open file can be had by a path.
+    static constexpr char kDescriptors[] = "/proc/self/fd";
+
+    int OpenNameless() const {
+        char directory[PATH_MAX];
+        const auto length = static_cast<size_t>(std::strrchr(path_, '/') - path_) + 1;
+        if (length >= sizeof directory) return -1;
+        std::memcpy(directory, path_, length);
+        directory[length] = '\0';
+        return open(directory, O_TMPFILE | O_RDWR | O_CLOEXEC, kMode);
+    }
+    int OpenBeside() {
+        const int length = std::snprintf(beside_, sizeof beside_, "%s.XXXXXX", path_);
+        if (length < 0 || static_cast<size_t>(length) >= sizeof beside_) return -1;
+        return mkostemp(beside_, O_CLOEXEC);
+    }
+    int Link() const {
+        char link[sizeof kDescriptors + 16];
+        std::snprintf(link, sizeof link, "%s/%d", kDescriptors, descriptor_);
+        return linkat(AT_FDCWD, link, AT_FDCWD, path_, AT_SYMLINK_FOLLOW) == 0 ? 0 : errno;
+    }
+    int Rename(unsigned flags) const {
+        return renameat2(AT_FDCWD, beside_, AT_FDCWD, path_, flags) == 0 ? 0 : errno;
+    }
+
+    const char* path_;
+    const Kind kind_;
+    int descriptor_;
+    bool isTaken_ = false;
+    bool isNamed_ = false;
+    char beside_[PATH_MAX];
+};
+
 // Reserves room for the first `size` bytes of a file that has `present` of them. Where the file
 // system cannot do it the C library writes into each block, which must not hit bytes in use.
 bool reserve(int descriptor, off_t present, off_t size) {
@@ -96,9 +163,15 @@ bool KorSharedFile::Open(const char* name, size_t size, Initialise initialise) n
     Close();
     char path[PATH_MAX];
     if (size == 0 || size > PTRDIFF_MAX || !buildPath(name, path, sizeof path)) return false;
+    bool made = false;
     for (int attempt = 0; attempt < kAttempts; ++attempt) {
         const Step step = Attach(path, size, initialise);
-        if (step != Step::kAgain) return step == Step::kDone;
+        // Its maker attaches it as well: the system goes on to list a nameless file as such.
+        if (step == Step::kMade) made = true;
+        if (step == Step::kRefused) return false;
+        if (step != Step::kDone) continue;
+        created_ = made;
+        return true;
     }
     return false;
 }
@@ -126,26 +199,24 @@ KorSharedFile::Step KorSharedFile::Attach(const char* path, size_t size,
 
 KorSharedFile::Step KorSharedFile::Make(const char* path, size_t size, Initialise initialise,
                                         bool replace) noexcept {
-    char temporary[PATH_MAX];
-    const int length = std::snprintf(temporary, sizeof temporary, "%s.XXXXXX", path);
-    if (length < 0 || static_cast<size_t>(length) >= sizeof temporary) return Step::kRefused;
-    Descriptor file(mkostemp(temporary, O_CLOEXEC));
-    if (!file.IsOpen()) return Step::kRefused;
-
-    Step step = Step::kRefused;
-    if (reserve(file.Get(), 0, static_cast<off_t>(size)) && fchmod(file.Get(), kMode) == 0 &&
-        Map(file.Get(), size)) {
-        file.Release();
+    const auto makeAs = [=, this](NewFile::Kind kind) {
+        NewFile file(path, kind);
+        if (!file.IsOpen() || !reserve(file.Get(), 0, static_cast<off_t>(size)) ||
+            fchmod(file.Get(), kMode) != 0 || !Map(file.Get(), size)) {
+            return Step::kRefused;
+        }
+        file.Take();
+        Step step = Step::kRefused;
         if (initialise == nullptr || initialise(data_, size_)) {
-            const unsigned flags = replace ? 0 : RENAME_NOREPLACE;
-            created_ = renameat2(AT_FDCWD, temporary, AT_FDCWD, path, flags) == 0;
-            if (created_) return Step::kDone;
-            if (errno == EEXIST) step = Step::kAgain;
+            const int failed = file.GiveName(replace);
+            if (failed == 0) step = Step::kMade;
+            if (failed == EEXIST) step = Step::kAgain;
         }
         Close();
-    }
-    unlink(temporary);
-    return step;
+        return step;
+    };
+    const Step step = makeAs(NewFile::kNameless);
+    return step != Step::kRefused ? step : makeAs(NewFile::kBeside);
 }
 
 bool KorSharedFile::Map(int descriptor, size_t size) noexcept {

@@ -6,8 +6,9 @@
 // is made for owner and group only (0660, whatever the umask), and its room is reserved when it is
 // made or grown, so that a full file system is a failed Open and not a signal at the first write.
 //
-// A new file is made under a name of its own and renamed when it is complete: another process never
-// sees a file that is half made, and a maker that dies leaves nothing in the way of the next. An
+// A new file gets its name when it is complete: another process never sees a file that is half
+// made, and a maker that dies leaves nothing behind. Only where a file cannot be made without a
+// name it has one beside the right one until then, which such a maker leaves, in nobody's way. An
 // empty file under the right name was never completed by whoever made it and is made anew.
 #pragma once
 
@@ -57,9 +58,10 @@ class KOR_API KorSharedFile {
     void GiveUp() noexcept;
 
   private:
-    enum class Step { kDone, kRefused, kAgain };
+    enum class Step { kDone, kMade, kRefused, kAgain };
 
     Step Attach(const char* path, size_t size, Initialise initialise) noexcept;
+    // Leaves the file to be attached.
     Step Make(const char* path, size_t size, Initialise initialise, bool replace) noexcept;
     bool Map(int descriptor, size_t size) noexcept;
 

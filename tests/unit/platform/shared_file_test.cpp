@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "child_process.h"
+#include "nameless_files.h"
 #include "shared_directory.h"
 #include "support/file_limit.h"
 
@@ -141,6 +142,42 @@ TEST_F(SharedFile, WhoseMakerDiesIsMadeByTheNext) {
         return file.Open(kName, kSize, [](void*, size_t) -> bool { _exit(42); }) ? 1 : 2;
     });
     ASSERT_EQ(42, maker.Await());
+    EXPECT_EQ(0U, FileCount()) << "nothing is left lying about";
+    KorSharedFile file;
+    ASSERT_TRUE(file.Open(kName, kSize, fillWithA));
+    EXPECT_TRUE(file.WasCreated());
+    EXPECT_EQ(std::string(kSize, 'a'), ReadFile(kName));
+}
+
+TEST_F(SharedFile, IsMadeUnderANameBesideWhereItCannotBeMadeWithoutOne) {
+    for (const Refused what : {Refused::kNamelessFiles, Refused::kNaming}) {
+        const NamelessFilesRefused system(what);
+        for (const bool leaveEmpty : {false, true}) {
+            if (leaveEmpty) WriteFile(kName, "");
+            KorSharedFile file;
+            ASSERT_TRUE(file.Open(kName, kSize, fillWithA));
+            EXPECT_TRUE(file.WasCreated());
+            EXPECT_EQ(std::string(kSize, 'a'), ReadFile(kName));
+            EXPECT_EQ(0660U, ModeOf(kName));
+            KorSharedFile other;
+            ASSERT_TRUE(other.Open(kName, kSize, refuse));
+            EXPECT_FALSE(other.WasCreated());
+        }
+        KorSharedFile refused;
+        EXPECT_FALSE(refused.Open("other", kSize, refuse));
+        EXPECT_EQ(1U, FileCount());
+        ASSERT_EQ(0, unlink(PathOf(kName).c_str()));
+    }
+}
+
+TEST_F(SharedFile, IsInNobodysWayUnderTheNameBesideWhenItsMakerDies) {
+    const NamelessFilesRefused system(Refused::kNamelessFiles);
+    ChildProcess maker([] {
+        KorSharedFile file;
+        return file.Open(kName, kSize, [](void*, size_t) -> bool { _exit(42); }) ? 1 : 2;
+    });
+    ASSERT_EQ(42, maker.Await());
+    EXPECT_EQ(1U, FileCount());
     KorSharedFile file;
     ASSERT_TRUE(file.Open(kName, kSize, fillWithA));
     EXPECT_TRUE(file.WasCreated());
