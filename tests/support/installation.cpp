@@ -20,16 +20,16 @@ void makeParts(const fs::path& root) {
 
 }  // namespace
 
-Installation::Installation(Layout layout) {
-    char name[] = "/tmp/oamXXXXXX";
-    if (mkdtemp(name) == nullptr) {
-        ADD_FAILURE() << "cannot make a directory in /tmp";
+Installation::Installation(Layout layout, const std::string& parent) {
+    std::string name = parent + "/oamXXXXXX";
+    if (mkdtemp(name.data()) == nullptr) {
+        ADD_FAILURE() << "cannot make a directory in " << parent;
         std::abort();
     }
     root_ = made_ = name;
     fs::create_directories(root_ / "shm");
     if (layout == Layout::kComplete) makeParts(root_);
-    setenv("KOR_DIR", name, 1);
+    setenv("KOR_DIR", name.c_str(), 1);
     setenv("KOR_SHM_DIR", (root_ / "shm").c_str(), 1);
 }
 

@@ -18,7 +18,8 @@ enum class Layout { kComplete, kBare };
 
 class Installation {
   public:
-    explicit Installation(Layout layout = Layout::kComplete);
+    // The parent may be one that lies in memory: a sync costs nothing there.
+    explicit Installation(Layout layout = Layout::kComplete, const std::string& parent = "/tmp");
     ~Installation();
     Installation(const Installation&) = delete;
     Installation& operator=(const Installation&) = delete;

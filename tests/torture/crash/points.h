@@ -7,11 +7,18 @@
 
 namespace oam::torture {
 
+// OAM_TORTURE=full in the environment.
+bool IsFull();
+// Where a rig's chance comes from: OAM_TORTURE_SEED in the environment, so that a failure can be
+// repeated, else another one in each run.
+unsigned long Seed();
+
 // Every point with OAM_TORTURE=full in the environment, else so many spread evenly, always with the
 // first and the last.
 std::vector<std::size_t> ChosenPoints(std::size_t count, std::size_t most);
 
 // "3,120 points, 0 lost" as the last line of a rig; also in the test's output.
 void TellFigures(const std::string& rig, const std::string& figures);
+void TellFigures(const std::string& line);
 
 }  // namespace oam::torture
