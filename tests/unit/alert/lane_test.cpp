@@ -128,6 +128,25 @@ TEST_F(Lane, ManagerLockCountsLikeTheTableLock) {
     EXPECT_THAT(Notes(), ElementsAre("in long", "out long", "in copied", "out copied"));
 }
 
+// Each of two receivers raises an alert for the other while both are busy.
+TEST_F(Lane, ThreadInsideALaneDoesNotWaitForAnotherLane) {
+    ReceiverLane other(&receive);
+    const auto plain = s_receive;
+    s_receive = [&](const oam_msg_tag* message) {
+        if (strcmp(oamMessageText(message), "outer") == 0) {
+            EXPECT_EQ(lane.Deliver(Saying("copied").Get()), OAM_SUCCESS);
+            return OAM_SUCCESS;
+        }
+        return plain(message);
+    };
+    Occupy();
+    EXPECT_EQ(other.Deliver(Saying("outer").Get()), OAM_SUCCESS);
+    EXPECT_THAT(Notes(), ElementsAre("in long"));
+    Release();
+    EXPECT_THAT(Notes(), ElementsAre("in long", "out long", "in copied", "out copied"));
+    s_receive = plain;
+}
+
 TEST_F(Lane, DeliversCopiesInTheOrderInWhichTheyWereLeft) {
     Occupy();
     {

@@ -4,16 +4,26 @@
 
 #include "base/database_lock.h"
 
+namespace {
+
+// How many lanes the calling thread is inside of.
+constinit thread_local int lanesInside = 0;
+
+bool mayWait() noexcept { return lanesInside == 0 && !oam::HoldsDatabaseLock(); }
+
+}  // namespace
+
 oam_result ReceiverLane::Deliver(const oam_msg_tag* message) noexcept {
     std::unique_lock hold(mutex_);
     if (busy_ && inside_ == std::this_thread::get_id()) {
         hold.unlock();
         return receiver_(message);
     }
-    if (busy_ && oam::HoldsDatabaseLock()) return LeaveCopy(message);
+    if (busy_ && !mayWait()) return LeaveCopy(message);
     left_.wait(hold, [this] { return !busy_; });
     busy_ = true;
     inside_ = std::this_thread::get_id();
+    ++lanesInside;
 
     hold.unlock();
     const oam_result result = receiver_(message);
@@ -26,6 +36,7 @@ oam_result ReceiverLane::Deliver(const oam_msg_tag* message) noexcept {
         (void)receiver_(next->record.get());
         hold.lock();
     }
+    --lanesInside;
     busy_ = false;
     hold.unlock();
     left_.notify_one();

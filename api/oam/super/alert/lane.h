@@ -1,9 +1,9 @@
 // A lane hands alerts to one kind of receiver, one alert at a time, in order.
 //
 // A thread that raises an alert while another is inside waits for its turn, unless it holds a
-// database lock: a receiver may itself be waiting for that lock, so the thread leaves a copy with
-// the one inside and goes on, and the copy is delivered next. A receiver that raises alerts enters
-// its own lane again.
+// database lock or is inside a lane itself: a receiver may be waiting for that lock, or in turn for
+// that lane. Such a thread leaves a copy with the one inside and goes on, and the copy is delivered
+// next. A receiver that raises alerts enters its own lane again.
 #pragma once
 
 #include <condition_variable>
