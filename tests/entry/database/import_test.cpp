@@ -6,6 +6,7 @@ namespace {
 
 using ::testing::AllOf;
 using ::testing::Contains;
+using ::testing::Each;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using ::testing::Not;
@@ -143,6 +144,38 @@ TEST_F(Import, IsRefusedWhileAnyObjectIsOpen) {
     EXPECT_THAT(home.List("oam/cfg"), ElementsAre("Old.xmo", "Super.xmo", "x.xmo"));
     EXPECT_THAT(recorder.Lines(), IsEmpty()) << "no plug-in has noticed";
     EXPECT_THAT(alerts.All(), IsEmpty());
+}
+
+TEST_F(Import, IsRefusedToAReceiverInTheMiddleOfADeletion) {
+    AddPluginFor("x.bpi", {"Prod"});
+    Start();
+    CreateBoard("Prod");
+    home.Write("import", ExportFile({{"Thing", Named("Thing")}}));
+    alerts.Clear();
+    unsigned code = OAM_SUCCESS;
+    alerts.AnswerWith([&](const Alert& alert) {
+        if (alert.code == OAMEVN_DELETED) code = _oamConfigImport(home.Path("import").c_str());
+        return 0u;
+    });
+    EXPECT_EQ(_oamDeleteBoard("Prod 0"), OAM_SUCCESS);
+    EXPECT_EQ(code, OAMERR_ACCESS_DENIED);
+    EXPECT_THAT(Objects(), ElementsAre("Supervisor", "x.bpi"));
+}
+
+TEST_F(Import, IsRefusedToAReceiverOfTheAlertsOfAnother) {
+    AddPluginFor("x.bpi", {"Prod"});
+    Start();
+    CreateBoard("Prod");
+    std::vector<unsigned> codes;
+    alerts.AnswerWith([&](const Alert&) {
+        codes.push_back(_oamConfigImport(home.Path("import").c_str()));
+        return 0u;
+    });
+    EXPECT_EQ(ImportFrom(ExportFile({{"Thing", Named("Thing")}})), OAM_SUCCESS);
+    EXPECT_THAT(codes, AllOf(Not(IsEmpty()), Each(OAMERR_ACCESS_DENIED)));
+    EXPECT_EQ(_oamRestart(), OAM_SUCCESS);
+    EXPECT_THAT(Objects(), ElementsAre("Supervisor", "Thing", "x.bpi"));
+    EXPECT_FALSE(home.Exists(kRefused));
 }
 
 TEST_F(Import, MissingFileChangesNothing) {

@@ -199,8 +199,9 @@ OAM_API oam_result _oamDbEnumKeywords(unsigned long handle, int index, char* buf
 OAM_API oam_result _oamConfigExport(const char* fileName) OAM_NOEXCEPT;
 
 /* Replaces the whole configuration by the file's. Boards are stopped and plug-ins reloaded.
- * OAMERR_ACCESS_DENIED while any object is open, OAMERR_NOT_FOUND when the file cannot be opened,
- * OAMERR_FILE_WRITE_ERROR when the old data files could not be set aside: nothing has changed.
+ * OAMERR_ACCESS_DENIED while any object is open, and within an operation that holds the manager lock
+ * (to a receiver of its alerts, to a plug-in's entry); OAMERR_NOT_FOUND when the file cannot be
+ * opened, OAMERR_FILE_WRITE_ERROR when the old data files could not be set aside: nothing has changed.
  * Any later failure (OAMERR_FILE_READ_ERROR for a malformed file, ...) leaves an empty
  * configuration, and the old data files in "/oam/cfg/import-refused". A process that dies in
  * between comes back with the old configuration. */

@@ -27,6 +27,11 @@ oam_result dataDirectory(char (&directory)[oam::kPathSize]) noexcept {
     return GetFullPath(false, "/oam/cfg", directory, sizeof directory);
 }
 
+// A receiver, or a plug-in's entry, that asks for an import in the middle of another operation, which
+// would go on with objects and plug-ins that are gone. Of another import it would lose the files that
+// are set aside.
+bool isWithinAnother() noexcept { return oam::ManagerMutex::Depth() > 1; }
+
 }  // namespace
 
 oam_result CMObjMgr::Export(const char* fileName) noexcept {
@@ -55,7 +60,7 @@ oam_result CMObjMgr::WriteExport(const char* path, bool sync) noexcept {
 }
 
 oam_result CMObjMgr::Import(const char* fileName) noexcept {
-    if (AnyOpen()) return OAMERR_ACCESS_DENIED;
+    if (AnyOpen() || isWithinAnother()) return OAMERR_ACCESS_DENIED;
     CXmlImport reader;
     if (reader.Open(fileName, kExportRoot) != 0) return OAMERR_NOT_FOUND;
     char directory[oam::kPathSize];
