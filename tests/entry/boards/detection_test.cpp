@@ -55,6 +55,22 @@ TEST_F(Detection, NeedsARunningService) {
     EXPECT_EQ(recorder.Count("DetectBoards"), 1u);
 }
 
+TEST_F(Detection, GoesOnWithThePluginsThatAnImportHasLoadedAnewMeanwhile) {
+    AddDetecting("rec.bpi", {{"Found", "Prod", "1", "2"}}, {"Prod"});
+    Start();
+    const std::string file = home.Path("export");
+    EXPECT_EQ(_oamConfigExport(file.c_str()), OAM_SUCCESS);
+    recorder.Script("rec.bpi", [&](ModuleScript& script) {
+        script.detectBoards = [&] {
+            std::thread([&] { EXPECT_EQ(_oamConfigImport(file.c_str()), OAM_SUCCESS); }).join();
+            return 0u;
+        };
+    });
+    EXPECT_EQ(_oamDetectBoards(), OAM_SUCCESS);
+    EXPECT_THAT(Found(), ElementsAre("Found/Prod/1/2"));
+    EXPECT_EQ(KeywordOf("Supervisor", "Products.Count"), Is("1"));
+}
+
 TEST_F(Detection, FindsNothingWithoutPlugins) {
     Start();
     EXPECT_EQ(_oamDetectBoards(), OAM_SUCCESS);

@@ -49,6 +49,15 @@ TEST_F(Modules, KeepTheirOwnCopyOfTheName) {
     EXPECT_THAT(Names(), ElementsAre("x.emc"));
 }
 
+TEST_F(Modules, GiveACopyOfTheirNameThatOutlivesThem) {
+    EXPECT_EQ(table.Insert("x.emc"), OAM_SUCCESS);
+    char name[kNameSize] = "";
+    EXPECT_TRUE(table.CopyNameAt(0, name));
+    EXPECT_FALSE(table.CopyNameAt(1, name));
+    table.RemoveAll();
+    EXPECT_STREQ(name, "x.emc");
+}
+
 TEST_F(Modules, HaveNoEntriesBeforeTheyAreBound) {
     EXPECT_EQ(table.Insert("x.emc"), OAM_SUCCESS);
     Entries entries{9};

@@ -94,6 +94,13 @@ class ModuleTable : private NamedTable<Module<Entries>> {
         KorGuard hold(lock_);
         return InRange(index) ? this->At(index)->Name() : nullptr;
     }
+    // A copy of it, for those who hold no lock that keeps the table as it is; false past the end.
+    bool CopyNameAt(int index, char (&name)[kNameSize]) const noexcept {
+        KorGuard hold(lock_);
+        if (!InRange(index)) return false;
+        CopyCut(this->At(index)->Name(), name, sizeof name);
+        return true;
+    }
 
     // Copies of the entries of a module that is bound; false when there is none such.
     bool EntriesOf(const char* name, Entries* entries) const noexcept {

@@ -89,8 +89,10 @@ oam_result detectedproductsInit() noexcept {
     DetectedTable fresh(new (std::nothrow) CArrayPtrsToDetectedBoard(0, oam::kTableGrowth));
     if (fresh == nullptr) return OAMERR_NOT_ENOUGH_MEMORY;
     oam_result result = OAM_SUCCESS;
-    for (int i = 0; result == OAM_SUCCESS && i < plugins().Count(); ++i) {
-        result = askPlugin(plugins().NameAt(i), fresh.get());
+    // Nothing is held while a plug-in looks, so an import may replace the plug-ins meanwhile.
+    char plugin[oam::kNameSize];
+    for (int i = 0; result == OAM_SUCCESS && plugins().CopyNameAt(i, plugin); ++i) {
+        result = askPlugin(plugin, fresh.get());
     }
     oam::ManagerGuard hold;
     std::swap(detected(), fresh);
