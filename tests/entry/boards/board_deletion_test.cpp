@@ -51,6 +51,32 @@ TEST_F(BoardDeletion, AsksThePluginAndRemovesTheBoard) {
     EXPECT_THAT(alerts.Heard(), ElementsAre(Said{OAMEVN_DELETED, 0, "Alpha", ""}));
 }
 
+// As the receiver of an alert that the plug-in raises in DestroyBoard might.
+TEST_F(BoardDeletion, OfABoardThatIsDeletedMeanwhileFindsItGone) {
+    const auto deletesAgain = [this](const char* board) {
+        PluginAnswers(OAM_SUCCESS);
+        EXPECT_EQ(_oamDeleteBoard(board), OAM_SUCCESS);
+        return 0u;
+    };
+    Script([&](ModuleScript& script) { script.destroyBoard = deletesAgain; });
+    EXPECT_EQ(_oamDeleteBoard("Alpha"), OAMERR_NOT_FOUND);
+    EXPECT_THAT(BoardNames(), ElementsAre("Bravo"));
+    Script([&](ModuleScript& script) { script.destroyBoard = deletesAgain; });
+    EXPECT_EQ(_oamDeleteBoard(nullptr), OAMERR_NOT_FOUND);
+    EXPECT_THAT(BoardNames(), IsEmpty());
+}
+
+TEST_F(BoardDeletion, OfABoardThatIsRenamedMeanwhileTakesItsRecord) {
+    Script([&](ModuleScript& script) {
+        script.destroyBoard = [](const char* board) {
+            EXPECT_EQ(Change(board, "Name", "Renamed"), OAM_SUCCESS);
+            return 0u;
+        };
+    });
+    EXPECT_EQ(_oamDeleteBoard("Alpha"), OAMERR_NOT_FOUND);
+    EXPECT_THAT(BoardNames(), ElementsAre("Bravo"));
+}
+
 TEST_F(BoardDeletion, IsRefusedWithThePluginsCode) {
     PluginAnswers(0xC1);
     EXPECT_EQ(_oamDeleteBoard("Alpha"), 0xC1u);

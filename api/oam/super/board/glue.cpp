@@ -38,7 +38,9 @@ bool isGoodName(const char* name) noexcept {
 oam_result destroyBoard(const CBoardID& board) noexcept {
     if (board.plugin == nullptr) return OAM_SUCCESS;
     const PluginEntries entries = board.plugin->Calls();
-    const oam_result result = entries.DestroyBoard(board.Name());
+    char name[oam::kNameSize];  // the record may go meanwhile
+    oam::CopyCut(board.Name(), name, sizeof name);
+    const oam_result result = entries.DestroyBoard(name);
     return result == OAMERR_NOT_FOUND ? OAM_SUCCESS : result;
 }
 
@@ -61,8 +63,13 @@ oam_result BoardDelete(const char* board) noexcept {
         const CBoardID* found = boardTable().Find(board);
         // Kept: deleting a board that is not in the table succeeds.
         if (found == nullptr) return OAM_SUCCESS;
+        // The plug-in may raise alerts, and their receiver rename or delete this very board.
+        const unsigned long identity = found->identity;
         if (auto refused = destroyBoard(*found)) return refused;
-        boardTable().Discard(board);
+        int index;
+        if (boardTable().FindByIdentity(identity, &index)) {
+            boardTable().Discard(boardTable().At(index)->Name());
+        }
     }
     (void)boardIDsShadowUpdate();
     return OAM_SUCCESS;

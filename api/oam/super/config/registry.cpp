@@ -120,9 +120,12 @@ oam_result CArrayPtrsToMObject::RemoveAllBoards() noexcept {
     for (int i = 0; i < Count();) {
         if (!At(i)->IsBoard()) {
             ++i;
-        } else if (auto failed = Remove(At(i)->Name())) {
-            return failed;
+            continue;
         }
+        // Copied: a receiver of the plug-in's alerts may remove the object meanwhile.
+        oam::OwnedText name;
+        if (!name.Assign(At(i)->Name())) return OAMERR_NOT_ENOUGH_MEMORY;
+        if (auto failed = Remove(name.Get())) return failed;
     }
     return OAM_SUCCESS;
 }
