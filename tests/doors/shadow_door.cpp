@@ -72,6 +72,10 @@ oam_result CBoardIDsShadow::Publish(ShadowImage&) noexcept {
     return Doors::The().NoteCall("Publish", line + ")");
 }
 
+oam_result PublishShadow(ShadowImage& image) noexcept {
+    return view() != nullptr ? view()->Publish(image) : OAMERR_NOT_ENOUGH_MEMORY;
+}
+
 oam_result oamShadowInit() noexcept {
     const oam_result result = Doors::The().Call("oamShadowInit");
     if (result == OAM_SUCCESS) view() = std::make_unique<CBoardIDsShadow>();
@@ -83,4 +87,3 @@ oam_result oamShadowExit() noexcept {
     return Doors::The().Call("oamShadowExit");
 }
 
-CBoardIDsShadow* oamShadowGetPtr() noexcept { return view().get(); }

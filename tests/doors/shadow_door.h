@@ -1,6 +1,6 @@
 // Stand-in for the board shadow: what the writer publishes is kept as records.
 //
-// oamShadowGetPtr answers a view between oamShadowInit and oamShadowExit. A publication is noted as
+// There is a view between oamShadowInit and oamShadowExit. A publication through it is noted as
 // "Publish(name, name)".
 #pragma once
 

@@ -1,5 +1,5 @@
-// The front of the board shadow: what any process calls to read it. Each reader is whole under the
-// segment's lock, and the process's view is not given up while one runs.
+// The front of the board shadow: what any process calls to read it, and what the service calls to
+// write it. Each is whole under the segment's lock, and the process's view is not given up meanwhile.
 
 #include <memory>
 
@@ -59,6 +59,12 @@ oam_result readNamed(const char* name, Use use) noexcept {
 }
 
 }  // namespace
+
+oam_result PublishShadow(ShadowImage& image) noexcept {
+    KorGuard hold(process().mutex);
+    View* view = process().view;
+    return view != nullptr ? view->shadow.Publish(image) : OAMERR_NOT_ENOUGH_MEMORY;
+}
 
 oam_result oamShadowInit() noexcept {
     std::unique_ptr<View> view(new (std::nothrow) View);

@@ -118,6 +118,30 @@ TEST_F(Readers, SeeWhatAnotherViewPublishes) {
     EXPECT_STREQ(name, "Later");
 }
 
+TEST_F(Readers, PublicationNeedsAView) {
+    ShadowImage image(true);
+    EXPECT_EQ(PublishShadow(image), OAMERR_NOT_ENOUGH_MEMORY);
+    Publish();
+    EXPECT_EQ(PublishShadow(image), OAM_SUCCESS);
+    EXPECT_EQ(oamShadowBoardEnum(kIgnored, 0, name, sizeof name), OAMERR_NOT_FOUND);
+}
+
+TEST_F(Readers, ViewIsNotGivenUpUnderAPublication) {
+    std::atomic<bool> isEnding{false};
+    std::thread reader([&] {
+        while (!isEnding) {
+            EXPECT_EQ(oamShadowInit(), OAM_SUCCESS);
+            EXPECT_EQ(oamShadowExit(), OAM_SUCCESS);
+        }
+    });
+    ShadowImage image(true);
+    for (int published = 0; published < 50;) {
+        if (PublishShadow(image) == OAM_SUCCESS) ++published;
+    }
+    isEnding = true;
+    reader.join();
+}
+
 TEST_F(Readers, KeptSecondInitMakesANewViewAndKeepsTheFirst) {
     Publish();
     CBoardIDsShadow* first = oamShadowGetPtr();

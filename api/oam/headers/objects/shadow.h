@@ -102,3 +102,7 @@ class CBoardIDsShadow : public CKorSharedMemoryArray<CBoardIDShadow> {
   private:
     bool isUsingVxPlugin_ = false;
 };
+
+// Publishes through this process's view, which nobody gives up meanwhile. OAMERR_NOT_ENOUGH_MEMORY
+// also without a view.
+oam_result PublishShadow(ShadowImage& image) noexcept;

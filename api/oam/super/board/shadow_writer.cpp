@@ -1,13 +1,10 @@
 #include "shadow_writer.h"
 
 #include "board_table.h"
-#include "oam/shadow.h"
 #include "objects/shadow.h"
 
 oam_result boardIDsShadowUpdate() noexcept {
     oam::TableGuard hold;
-    CBoardIDsShadow* shadow = oamShadowGetPtr();
-    if (shadow == nullptr) return OAMERR_NOT_ENOUGH_MEMORY;
     ShadowImage image(isUsingVxPlugin());
     for (int i = 0; i < boardTable().Count(); ++i) {
         const CBoardID& board = *boardTable().At(i);
@@ -15,5 +12,5 @@ oam_result boardIDsShadowUpdate() noexcept {
                                  board.values.driverName.OrEmpty(),
                                  board.values.driverBoardId.OrEmpty(), board.values.xLaw));
     }
-    return shadow->Publish(image);
+    return PublishShadow(image);
 }
