@@ -128,6 +128,23 @@ TEST_F(Export, IsRefusedWhileAnObjectIsWritten) {
     EXPECT_EQ(DbChange("Alpha", "Key", "x"), OAM_SUCCESS) << "nothing is left open";
 }
 
+// A receiver of an alert that the plug-in raises in CreateBoard can export too.
+TEST_F(Export, LeavesOutAnObjectThatIsBeingCreated) {
+    AddPlugin("x.bpi", [this](ModuleScript& script) {
+        script.products = {"Prod"};
+        script.createBoard = [this](const char*, const char*) {
+            return unsigned{_oamConfigExport(home.Path("export").c_str())};
+        };
+    });
+    Start();
+    CreateBoard("Prod");
+    CreateBoard("Prod");
+    const std::string bytes = home.Read("export");
+    EXPECT_NE(bytes.find("<Prod 0>"), std::string::npos);
+    EXPECT_EQ(bytes.find("<Prod 1>"), std::string::npos);
+    EXPECT_EQ(_oamConfigImport(home.Path("export").c_str()), OAM_SUCCESS);
+}
+
 TEST_F(Export, SpoiledDataFileFailsIt) {
     WriteThing("Thing", {{"Name", "Thing"}});
     Start();

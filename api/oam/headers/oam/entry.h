@@ -194,7 +194,8 @@ OAM_API oam_result _oamDbEnumKeywords(unsigned long handle, int index, char* buf
 
 /* ---- Configuration ------------------------------------------------------------------------- */
 
-/* Writes every object to one file; the file appears whole or not at all.
+/* Writes every object to one file, but one whose creation is under way; the file appears whole or
+ * not at all.
  * OAMERR_FILE_WRITE_ERROR; OAMERR_ACCESS_DENIED while an object is open read-write. */
 OAM_API oam_result _oamConfigExport(const char* fileName) OAM_NOEXCEPT;
 

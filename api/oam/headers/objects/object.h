@@ -81,6 +81,7 @@ class KOR_CMObject {
     // behind. OAMERR_FILE_WRITE_ERROR.
     void BeginCreation() noexcept { beingCreated_ = true; }
     oam_result EndCreation() noexcept;
+    bool IsBeingCreated() const noexcept { return beingCreated_; }
 
     // ---- Db layer: OAMERR_ACCESS_DENIED when the open state does not allow the call.
 

@@ -48,6 +48,9 @@ oam_result CMObjMgr::WriteExport(const char* path, bool sync) noexcept {
     oam_result result = OAM_SUCCESS;
     for (int i = 0; result == OAM_SUCCESS && i < Count(); ++i) {
         KOR_CMObject* object = At(i);
+        // For a receiver in the middle of a creation: a board that has no number yet would make the
+        // import of the file fail.
+        if (object->IsBeingCreated()) continue;
         unsigned long handle;
         result = object->DbOpen(OAM_INTERNAL_CLIENT, &handle, OAM_OPEN_PROVIDER);
         if (result != OAM_SUCCESS) break;
