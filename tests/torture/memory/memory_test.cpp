@@ -37,7 +37,7 @@ class TellFigures : public ::testing::Environment {
 
 // Tables have 16 slots to a step. With 12 and 13 boards the objects are 16 and 17.
 std::vector<int> counts() {
-    return IsFullRun() ? std::vector<int>{1, 12, 13, 16, 17} : std::vector<int>{1, 17};
+    return IsFull() ? std::vector<int>{1, 12, 13, 16, 17} : std::vector<int>{1, 17};
 }
 
 std::string titleOf(const Row& row) {

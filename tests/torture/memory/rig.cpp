@@ -18,7 +18,7 @@ constexpr std::size_t kQuickPoints = 24;
 
 std::vector<std::size_t> chosenPoints(std::size_t requests) {
     std::vector<std::size_t> points;
-    if (IsFullRun() || requests <= kQuickPoints) {
+    if (IsFull() || requests <= kQuickPoints) {
         for (std::size_t i = 1; i <= requests; ++i) points.push_back(i);
     } else {
         for (std::size_t i = 0; i < kQuickPoints; ++i) {
@@ -61,7 +61,7 @@ class Rig {
         if (::testing::Test::HasFatalFailure()) return figures_;
         const auto points = chosenPoints(figures_.requests);
         TryAll(points, Failing::kOnce);
-        if (IsFullRun() || row_.isVital) TryAll(points, Failing::kFromThereOn);
+        if (IsFull() || row_.isVital) TryAll(points, Failing::kFromThereOn);
         return figures_;
     }
 
@@ -200,7 +200,7 @@ Figures& Figures::operator+=(const Figures& other) {
 
 Figures TryRow(World& world, const Row& row) { return Rig(world, row).Run(); }
 
-bool IsFullRun() {
+bool IsFull() {
     const char* wanted = std::getenv("OAM_TORTURE");
     return wanted != nullptr && std::string_view(wanted) == "full";
 }

@@ -20,6 +20,6 @@ struct Figures {
 Figures TryRow(World& world, const Row& row);
 
 // Everything was asked for (OAM_TORTURE=full), not only what a minute allows.
-bool IsFullRun();
+bool IsFull();
 
 }  // namespace oam::torture
