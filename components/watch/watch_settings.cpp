@@ -1,5 +1,6 @@
 #include "watch_settings.h"
 
+#include "kit/forever.h"
 #include "kit/keyword_store.h"
 
 namespace oam::watch {
@@ -15,7 +16,7 @@ constexpr long long kLongestWindow = 7 * 24 * 60 * 60;
 }  // namespace
 
 const std::vector<kit::KeywordRule>& settingRules() {
-    static const std::vector<kit::KeywordRule> kRules = {
+    static const auto& kRules = kit::forever(std::vector<kit::KeywordRule>{
         {.name = "Name", .type = "Object", .isReadOnly = true},
         kit::numberRule(kFailures, kUsualFailures, 0, FailureLimit::kMostFailures,
                         "failed operations of a board that raise an alert; 0: none do"),
@@ -24,7 +25,7 @@ const std::vector<kit::KeywordRule>& settingRules() {
         {.name = kPeriod,
          .value = "",
          .description = "any text for the counting period; another text begins a new one, from 0"},
-    };
+    });
     return kRules;
 }
 

@@ -3,6 +3,7 @@
 #include <array>
 
 #include "driver_binding.h"
+#include "kit/forever.h"
 #include "kit/keyword_store.h"
 #include "network_interfaces.h"
 
@@ -35,7 +36,7 @@ kit::KeywordRule macRule(std::size_t index) {
 bool isDriverOrNone(std::string_view value) { return value.empty() || canNameDriver(value); }
 
 const std::vector<kit::KeywordRule>& boardRules() {
-    static const std::vector<kit::KeywordRule> kRules = {
+    static const auto& kRules = kit::forever(std::vector<kit::KeywordRule>{
         {.name = "Name", .type = "Object", .description = "name of managed object"},
         {.name = "Product", .isReadOnly = true, .description = "what kind of board it is"},
         kit::numberRule("Number", {}, 0, kHighestNumber, "the board's number, unique in the host"),
@@ -65,7 +66,7 @@ const std::vector<kit::KeywordRule>& boardRules() {
          .description = "number of Ethernet interfaces"},
         yesNoRule("AutoStart", "start the board with the service"),
         yesNoRule("AutoStop", "stop the board with the service"),
-    };
+    });
     return kRules;
 }
 
@@ -122,8 +123,8 @@ oam_result adoptDriver(unsigned long handle, const std::string& driver) {
 }  // namespace
 
 const kit::KeywordRule* boardRule(std::string_view keyword) {
-    static const std::vector<kit::KeywordRule> kMacRules = {macRule(0), macRule(1), macRule(2),
-                                                            macRule(3)};
+    static const auto& kMacRules =
+        kit::forever(std::vector<kit::KeywordRule>{macRule(0), macRule(1), macRule(2), macRule(3)});
     static_assert(OAM_MAC_KEPT == 4);
     if (const auto* const rule = kit::findRule(boardRules(), keyword)) return rule;
     return kit::findRule(kMacRules, keyword);

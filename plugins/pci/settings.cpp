@@ -2,6 +2,7 @@
 
 #include <array>
 
+#include "kit/forever.h"
 #include "kit/keyword_store.h"
 
 namespace oam::pci {
@@ -76,7 +77,7 @@ kit::KeywordRule matchRule(std::size_t index, const MatchMember& member) {
 }
 
 const std::vector<kit::KeywordRule>& plainRules() {
-    static const std::vector<kit::KeywordRule> kRules = {
+    static const auto& kRules = kit::forever(std::vector<kit::KeywordRule>{
         {.name = "Name", .type = "Object", .isReadOnly = true},
         {.name = kRoot,
          .value = "/sys",
@@ -91,7 +92,7 @@ const std::vector<kit::KeywordRule>& plainRules() {
                         "milliseconds that a driver may take to bind or to let go"),
         kit::numberRule(kit::countName(kMatch), kFirstMatches.size(), 0, kMostMatches,
                         "rows of the table of boards; the first that fits counts"),
-    };
+    });
     return kRules;
 }
 

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "kit/db_access.h"
+#include "kit/forever.h"
 #include "kit/keyword_rule.h"
 
 namespace oam::kit {
@@ -65,7 +66,7 @@ inline oam_result repairKeywords(unsigned long handle, const std::vector<Keyword
 // A keyword without a rule (null) may hold any text that can be kept.
 inline oam_result checkChange(const KeywordRule* rule, std::string_view keyword,
                               std::string_view value, std::string* stored) {
-    static const KeywordRule kAnyText;
+    static const auto& kAnyText = forever(KeywordRule());
     if (!canKeepKeyword(keyword)) return OAMERR_SET_BOARD_KEYWORD_FAIL;
     // "Keyword?Qualifier" is how a qualifier is stored; those are the module's.
     if (keyword.find('?') != std::string_view::npos) return OAMERR_ACCESS_DENIED;
