@@ -10,6 +10,7 @@
 #include <thread>
 
 #include "memory_fuse.h"
+#include "thread_fuse.h"
 #include "zol/zol.h"
 
 namespace {
@@ -63,6 +64,7 @@ void RunHeldThreads() {
 
 IN_FRONT int pthread_create(pthread_t* thread, const pthread_attr_t* attributes,
                             void* (*start)(void*), void* argument) noexcept {
+    if (oam::torture::ThreadFuse::FailsNow()) return EAGAIN;
     if (!holding) return realCreate()(thread, attributes, start, argument);
     if (oam::torture::MemoryFuse::FailsNow()) return EAGAIN;
     std::lock_guard hold(mutex);
