@@ -36,7 +36,7 @@ TEST_F(ProcessEnd, AtAnyMomentIsAnEnd) {
     constexpr const char* kKinds[] = {"return",     "exit",     "_exit",
                                       "quick_exit", "receiver", "stopped"};
     constexpr unsigned kLongest = 12000;  // microseconds; the automatic start comes after 5000
-    const unsigned long ends = IsFullRun() ? 200 : 5;
+    const unsigned long ends = IsFull() ? 200 : 5;
     for (unsigned long i = 0; i < ends; ++i) {
         for (const char* kind : kKinds) {
             const std::string moment = std::to_string(random_() % kLongest);
@@ -51,8 +51,8 @@ TEST_F(ProcessEnd, AtAnyMomentIsAnEnd) {
 }
 
 TEST_F(ProcessEnd, OfAProgramThatLoadsAndUnloadsTheLibrary) {
-    const unsigned long programs = IsFullRun() ? 50 : 3;
-    const unsigned long lives = IsFullRun() ? 20 : 5;
+    const unsigned long programs = IsFull() ? 50 : 3;
+    const unsigned long lives = IsFull() ? 20 : 5;
     for (unsigned long i = 0; i < programs; ++i) {
         const Ended ended =
             RunToItsEnd({DLOPEN_USER, OAM_LIBRARY, std::to_string(lives), std::to_string(i)});

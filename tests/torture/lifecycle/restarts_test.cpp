@@ -90,7 +90,7 @@ class Restarts : public testing::Test {
 TEST_F(Restarts, LeaveNothingBehind) {
     const Watchdog watchdog;
     const int threads = LookAtResources().threads;
-    const unsigned long restarts = IsFullRun() ? 1000 : 30;
+    const unsigned long restarts = IsFull() ? 1000 : 30;
     ASSERT_NO_FATAL_FAILURE(Configure());
     // Each life has other threads, and what the C library keeps for threads settles late.
     const Allowed allowed = {.heapBytes = 16 * 1024};

@@ -32,7 +32,7 @@ unsigned receive(unsigned long client, const oam_msg_tag* message) {
     return 0;
 }
 
-unsigned long rounds(unsigned long full, unsigned long quick) { return IsFullRun() ? full : quick; }
+unsigned long rounds(unsigned long full, unsigned long quick) { return IsFull() ? full : quick; }
 
 class Soak : public testing::Test {
   protected:
