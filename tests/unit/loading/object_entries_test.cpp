@@ -3,8 +3,12 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <stdexcept>
 #include <string>
+#include <thread>
+
+#include "base/foreign_frame.h"
 
 namespace oam::test {
 namespace {
@@ -105,6 +109,83 @@ TEST(ObjectEntries, TurnWhatIsThrownIntoAFailure) {
     EXPECT_EQ(entries.SetKeyword(1, "k", "v"), OAM_REASON_FAILED);
     EXPECT_EQ(entries.GetKeyword(1, "k", nullptr, 0), OAM_REASON_FAILED);
     EXPECT_EQ(entries.GetQualifier(1, "k", "q", nullptr, 0), OAM_REASON_FAILED);
+}
+
+// A module whose entries do what a test says, most of them by entering themselves again.
+std::function<unsigned()> inside;
+int entered = 0;
+
+unsigned enteringAgain() {
+    ++entered;
+    return inside();
+}
+
+unsigned Enter() { return ObjectEntries{.exit = &enteringAgain}.Exit(); }
+
+TEST(NestedEntries, EndAtADepthAndTheRefusalComesBack) {
+    entered = 0;
+    inside = &Enter;
+    EXPECT_EQ(Enter(), OAMERR_ACCESS_DENIED);
+    EXPECT_EQ(entered, kDeepestEntry);
+}
+
+TEST(NestedEntries, EndWhereOneLeadsToSeveral) {
+    entered = 0;
+    inside = [] {
+        (void)Enter();
+        return Enter();
+    };
+    EXPECT_EQ(Enter(), OAMERR_ACCESS_DENIED);
+    EXPECT_LE(entered, 3 + kMostInnerEntries);
+}
+
+TEST(NestedEntries, AreCountedAnewWhenTheyAreOver) {
+    inside = &Enter;
+    EXPECT_EQ(Enter(), OAMERR_ACCESS_DENIED);
+    inside = [] {
+        inside = [] { return 0u; };
+        return Enter();
+    };
+    EXPECT_EQ(Enter(), OAM_SUCCESS);
+}
+
+TEST(NestedEntries, MayBeAnyNumberInsideOneThatTakesItsTime) {
+    inside = [] {
+        inside = [] {
+            inside = [] { return 0u; };
+            return Enter();
+        };
+        const auto second = inside;
+        for (int i = 0; i < 2 * kMostInnerEntries; ++i) {
+            inside = second;
+            if (unsigned failed = Enter()) return failed;
+        }
+        return 0u;
+    };
+    EXPECT_EQ(Enter(), OAM_SUCCESS);
+}
+
+TEST(NestedEntries, CountForEachThreadAlone) {
+    inside = [] {
+        if (entered < kDeepestEntry) return Enter();
+        inside = [] { return 0u; };
+        unsigned elsewhere = 1;
+        std::thread([&] { elsewhere = Enter(); }).join();
+        return elsewhere;
+    };
+    entered = 0;
+    EXPECT_EQ(Enter(), OAM_SUCCESS);
+}
+
+const char* textAgain(unsigned code) {
+    ++entered;
+    return ObjectEntries{.getText = &textAgain}.GetText(code);
+}
+
+TEST(NestedEntries, HaveNoTextWhereTheyEnd) {
+    entered = 0;
+    EXPECT_EQ(textAgain(5), nullptr);
+    EXPECT_EQ(entered, 1 + kDeepestEntry);
 }
 
 }  // namespace

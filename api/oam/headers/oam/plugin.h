@@ -14,6 +14,9 @@
  *    as they need. (A synchronized start or stop of all boards, and the stop of all boards at
  *    shut-down, holds both locks around StartBoard and StopBoard.)
  *  - An exception that leaves an entry is a failure of that entry, OAM_REASON_FAILED.
+ *  - What an entry asks of the service may call an entry again, on the same thread. That ends at a
+ *    depth of 64, and after 1,024 entries inside an entry inside an entry: then none is called, and
+ *    its result is OAMERR_ACCESS_DENIED (GetText: no text).
  *
  * An object handle passed to an entry is good for the _oamDb functions until CloseObject returns.
  * Texts passed in are valid during the call; texts are answered by the rule of oam/entry.h.
