@@ -1,6 +1,7 @@
 // The service's frame: start, stop, clients, and the names of the codes. Nothing here locks; the
 // lifecycle calls run alone.
 
+#include "base/database_lock.h"
 #include "base/flags.h"
 #include "base/path.h"
 #include "base/text.h"
@@ -47,33 +48,7 @@ void writeStartLine(const char* text) noexcept {
     (void)AlertNotify(OAMEVN_ALERT, OAM_INFORMATION, kSource, "%s", text);
 }
 
-}  // namespace
-
-void _oamHello(const char* text) noexcept { DebugOutput("%s\n", text != nullptr ? text : ""); }
-
-void DebugOutput(const char*, ...) noexcept {}
-
-oam_result _oamInit() noexcept {
-    if (OamIsRunning()) return OAM_SUCCESS;
-    char path[oam::kPathSize];
-    // Kept: the only failure that does not run _oamExit; nothing has been started yet.
-    if (auto failed = GetFullPath(false, "/oam/log/startup.log", path, sizeof path)) return failed;
-    CreatePathDirs(path);
-    (void)AlertLogFileBeg(path);
-    for (const Stage& stage : kStages) {
-        writeStartLine(stage.banner);
-        if (auto failed = stage.init()) {
-            (void)_oamExit();
-            return failed;
-        }
-        writeStartLine("\t\t\t\t\tDONE");
-    }
-    (void)AlertLogFileEnd();
-    SetOamIsRunning(true);
-    return OAM_SUCCESS;
-}
-
-oam_result _oamExit() noexcept {
+oam_result stopAll() noexcept {
     SetOamIsRunning(false);
     BoardCommExit();
     EmcCommExit();
@@ -83,9 +58,55 @@ oam_result _oamExit() noexcept {
     return OAM_SUCCESS;
 }
 
+oam_result startAll() noexcept {
+    if (OamIsRunning()) return OAM_SUCCESS;
+    char path[oam::kPathSize];
+    // Kept: the only failure that does not run stopAll; nothing has been started yet.
+    if (auto failed = GetFullPath(false, "/oam/log/startup.log", path, sizeof path)) return failed;
+    CreatePathDirs(path);
+    (void)AlertLogFileBeg(path);
+    for (const Stage& stage : kStages) {
+        writeStartLine(stage.banner);
+        if (auto failed = stage.init()) {
+            (void)stopAll();
+            return failed;
+        }
+        writeStartLine("\t\t\t\t\tDONE");
+    }
+    (void)AlertLogFileEnd();
+    SetOamIsRunning(true);
+    return OAM_SUCCESS;
+}
+
+constinit thread_local bool isStartingOrStopping = false;
+
+// A plug-in, a component or the callback may ask for a start or stop while its own thread is in the
+// middle of one, or of a change to the database: what it would take away is in use further up its
+// stack.
+template <class Steps>
+oam_result runAlone(Steps steps) noexcept {
+    if (isStartingOrStopping || oam::ManagerMutex::Depth() > 0) return OAMERR_ACCESS_DENIED;
+    isStartingOrStopping = true;
+    const oam_result result = steps();
+    isStartingOrStopping = false;
+    return result;
+}
+
+}  // namespace
+
+void _oamHello(const char* text) noexcept { DebugOutput("%s\n", text != nullptr ? text : ""); }
+
+void DebugOutput(const char*, ...) noexcept {}
+
+oam_result _oamInit() noexcept { return OamIsRunning() ? OAM_SUCCESS : runAlone(&startAll); }
+
+oam_result _oamExit() noexcept { return runAlone(&stopAll); }
+
 oam_result _oamRestart() noexcept {
-    (void)_oamExit();
-    return _oamInit();
+    return runAlone([] {
+        (void)stopAll();
+        return startAll();
+    });
 }
 
 oam_result _oamShutdown() noexcept { return _oamExit(); }

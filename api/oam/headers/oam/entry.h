@@ -7,7 +7,9 @@
  *    the value exists. Outputs stay untouched on failure unless said otherwise.
  *  - Names are compared without regard to (ASCII) case; the spelling first stored is kept.
  *  - Any thread may call any entry point, except that _oamInit, _oamExit, _oamRestart and
- *    _oamShutdown run alone.
+ *    _oamShutdown run alone. Called from inside an entry of a plug-in or component, or from the
+ *    callback, they are refused with OAMERR_ACCESS_DENIED when the thread holds the manager lock or
+ *    is in one of the four already.
  *  - Before _oamInit succeeded (and after _oamExit) all but the lifecycle, text and alert
  *    registration calls return OAMERR_SERVER_NOT_RUNNING.
  *  - A handle names one opening of one object. Kept: it is not checked; passing one that was never
@@ -64,8 +66,8 @@ OAM_API void _oamHello(const char* text) OAM_NOEXCEPT;
  * "/oam/log/startup.log"). */
 OAM_API oam_result _oamInit(void) OAM_NOEXCEPT;
 
-/* Stops everything in reverse order; boards marked for it are stopped first. Always 0, also when
- * nothing runs. */
+/* Stops everything in reverse order; boards marked for it are stopped first. 0 (unless refused, see
+ * above), also when nothing runs. */
 OAM_API oam_result _oamExit(void) OAM_NOEXCEPT;
 
 /* _oamExit, then _oamInit; the result of the latter. */

@@ -1,0 +1,117 @@
+// What modules ask of the service from inside their entries, where it would pull the ground from
+// under their own call: refused with a code, and the service goes on.
+#include "support/service_test.h"
+
+namespace oam::test {
+namespace {
+
+using ::testing::Each;
+using ::testing::ElementsAre;
+
+constexpr const char* kPlugin = "x.bpi";
+
+class CalledInside : public ServiceTest {
+  protected:
+    void SetUp() override { AddPluginFor(kPlugin, {"Board"}); }
+    void Script(const Recorder::Change& change) { recorder.Script(kPlugin, change); }
+    void Note(oam_result code) { codes.push_back(code); }
+    void StopAndStart() {
+        Note(_oamExit());
+        Note(_oamShutdown());
+        Note(_oamRestart());
+    }
+
+    std::vector<oam_result> codes;
+};
+
+// ---- Starts and stops
+
+TEST_F(CalledInside, StartsAndStopsAreRefusedInAStart) {
+    Script([&](ModuleScript& script) {
+        script.init = [&](const char*) {
+            StopAndStart();
+            Note(_oamInit());
+            return 0u;
+        };
+    });
+    Start();
+    EXPECT_EQ(codes.size(), 4u);
+    EXPECT_THAT(codes, Each(OAMERR_ACCESS_DENIED));
+    EXPECT_EQ(recorder.Count("Init"), 1u);
+    EXPECT_EQ(KeywordOf("Supervisor", "BoardPlugins.Count"), Is("1"));
+}
+
+TEST_F(CalledInside, StartsAndStopsAreRefusedInAStop) {
+    Start();
+    Script([&](ModuleScript& script) {
+        script.exit = [&] {
+            StopAndStart();
+            Note(_oamInit());
+            return 0u;
+        };
+    });
+    EXPECT_EQ(_oamExit(), OAM_SUCCESS);
+    EXPECT_EQ(codes.size(), 4u);
+    EXPECT_THAT(codes, Each(OAMERR_ACCESS_DENIED));
+    EXPECT_EQ(recorder.Count("Exit"), 1u);
+}
+
+TEST_F(CalledInside, StopsAreRefusedUnderTheManagerLock) {
+    Start();
+    Script([&](ModuleScript& script) {
+        script.openObject = [&](unsigned long, unsigned) {
+            StopAndStart();
+            return 0u;
+        };
+    });
+    EXPECT_EQ(_oamCloseObject(Open(kPlugin)), OAM_SUCCESS);
+    EXPECT_EQ(codes.size(), 3u);
+    EXPECT_THAT(codes, Each(OAMERR_ACCESS_DENIED));
+    EXPECT_TRUE(g_bOamIsRunning);
+}
+
+TEST_F(CalledInside, InitSucceedsWhereTheServiceRuns) {
+    Start();
+    Script([&](ModuleScript& script) {
+        script.openObject = [&](unsigned long, unsigned) { return unsigned{_oamInit()}; };
+    });
+    EXPECT_EQ(_oamCloseObject(Open(kPlugin)), OAM_SUCCESS);
+}
+
+TEST_F(CalledInside, StopWithNoLockHeldIsCarriedOut) {
+    Start();
+    const std::string board = CreateBoard("Board");
+    Script([&](ModuleScript& script) {
+        script.sendBuffer = [&](const char*, const void*, unsigned) {
+            return unsigned{_oamExit()};
+        };
+    });
+    EXPECT_EQ(_oamSendBuffer(board.c_str(), "", 0), OAM_SUCCESS);
+    EXPECT_FALSE(g_bOamIsRunning);
+    EXPECT_EQ(recorder.Count("Exit"), 1u);
+}
+
+// Its name is no longer there when the plug-in comes back.
+TEST_F(CalledInside, StopInADetectionEndsIt) {
+    Start();
+    Script(
+        [&](ModuleScript& script) { script.detectBoards = [&] { return unsigned{_oamExit()}; }; });
+    EXPECT_EQ(_oamDetectBoards(), OAMERR_NOT_FOUND);
+    EXPECT_FALSE(g_bOamIsRunning);
+}
+
+// Each of the two would answer the other's alerts for ever.
+TEST_F(CalledInside, RestartForEachAlertHasAnEnd) {
+    AddComponent("c.emc");
+    Start();
+    for (const char* file : {kPlugin, "c.emc"}) {
+        recorder.Script(file, [](ModuleScript& script) {
+            script.alertReceive = [](const oam_msg_tag*) { return unsigned{_oamRestart()}; };
+        });
+    }
+    (void)Raise(OAMEVN_TRACE, 0, "Test", "restart");
+    EXPECT_TRUE(g_bOamIsRunning);
+}
+
+}  // namespace
+}  // namespace oam::test
