@@ -113,5 +113,63 @@ TEST_F(CalledInside, RestartForEachAlertHasAnEnd) {
     EXPECT_TRUE(g_bOamIsRunning);
 }
 
+// ---- Imports
+
+class ImportedInside : public CalledInside {
+  protected:
+    // An export of a running service with one board.
+    void SetUp() override {
+        CalledInside::SetUp();
+        Start();
+        board_ = CreateBoard("Board");
+        ASSERT_EQ(_oamConfigExport(file_.c_str()), OAM_SUCCESS);
+        recorder.Clear();
+    }
+    oam_result Import() { return _oamConfigImport(file_.c_str()); }
+
+    std::string board_;
+
+  private:
+    std::string file_ = home.Path("export");
+};
+
+TEST_F(ImportedInside, AnImportTheNextIsRefused) {
+    Script([&](ModuleScript& script) {
+        script.exit = [&] { return Note(Import()), 0u; };
+        script.init = [&](const char*) { return Note(Import()), 0u; };
+    });
+    EXPECT_EQ(Import(), OAM_SUCCESS);
+    EXPECT_THAT(codes, ElementsAre(OAMERR_ACCESS_DENIED, OAMERR_ACCESS_DENIED));
+    EXPECT_THAT(Objects(), ElementsAre(board_, "Supervisor", kPlugin));
+}
+
+TEST_F(ImportedInside, ACreationItIsRefused) {
+    Script([&](ModuleScript& script) {
+        script.createBoard = [&](const char*, const char*) { return unsigned{Import()}; };
+    });
+    char name[128];
+    EXPECT_EQ(_oamCreateBoard("Board", name, sizeof name), OAMERR_ACCESS_DENIED);
+    EXPECT_THAT(Objects(), ElementsAre(board_, "Supervisor", kPlugin));
+}
+
+TEST_F(ImportedInside, AnEntryWithoutALockItIsCarriedOut) {
+    Script([&](ModuleScript& script) {
+        script.sendBuffer = [&](const char*, const void*, unsigned) { return unsigned{Import()}; };
+    });
+    EXPECT_EQ(_oamSendBuffer(board_.c_str(), "", 0), OAM_SUCCESS);
+    EXPECT_EQ(recorder.Count("Exit"), 1u);
+    EXPECT_EQ(KeywordOf(board_, "Name"), Is(board_));
+}
+
+TEST_F(ImportedInside, AnAlertItHasAnEnd) {
+    Script([&](ModuleScript& script) {
+        script.alertReceive = [&](const oam_msg_tag*) { return Note(Import()), 0u; };
+    });
+    EXPECT_EQ(Raise(OAMEVN_TRACE, 0, "Test", "import"), OAM_SUCCESS);
+    EXPECT_EQ(codes.back(), OAM_SUCCESS) << "the first one";
+    codes.pop_back();
+    EXPECT_THAT(codes, Each(OAMERR_ACCESS_DENIED)) << "those of the import's own alerts";
+}
+
 }  // namespace
 }  // namespace oam::test
