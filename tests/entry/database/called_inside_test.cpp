@@ -113,6 +113,71 @@ TEST_F(CalledInside, RestartForEachAlertHasAnEnd) {
     EXPECT_TRUE(g_bOamIsRunning);
 }
 
+// ---- Handles
+
+// Closes the handle that an entry was given in every way, and lets the entry go on.
+class LentHandles : public CalledInside {
+  protected:
+    unsigned CloseIt(unsigned long handle) {
+        Note(_oamCloseObject(handle));
+        Note(_oamCloseObject_WOAN(handle));
+        Note(_oamDbCloseObject(handle));
+        (void)_oamClientExit(kClient);
+        return OAM_SUCCESS;
+    }
+    void ExpectRefused() {
+        EXPECT_EQ(codes.size(), 3u);
+        EXPECT_THAT(codes, Each(OAMERR_ACCESS_DENIED));
+        codes.clear();
+    }
+};
+
+TEST_F(LentHandles, AreNotClosedByTheEntryThatWasGivenThem) {
+    Start();
+    const std::string board = CreateBoard("Board");
+    Script([&](ModuleScript& script) {
+        script.openObject = [&](unsigned long handle, unsigned) { return CloseIt(handle); };
+        script.closeObject = [&](unsigned long handle) { return CloseIt(handle); };
+        script.setKeyword = [&](unsigned long handle, const char* keyword, const char* value) {
+            return CloseIt(handle), unsigned{_oamDbSetKeyword(handle, keyword, value)};
+        };
+        script.getKeyword = [&](unsigned long handle, const char* keyword, char* buffer,
+                                unsigned size) {
+            return CloseIt(handle), unsigned{_oamDbGetKeyword(handle, keyword, buffer, size)};
+        };
+        script.getQualifier = [&](unsigned long handle, const char*, const char*, char*,
+                                  unsigned) -> unsigned {
+            return CloseIt(handle), OAMERR_NOT_FOUND;
+        };
+    });
+    const unsigned long handle = Open(board, kWrite);
+    ExpectRefused();
+    EXPECT_EQ(_oamSetKeyword(handle, "AutoStop", "Yes"), OAM_SUCCESS);
+    ExpectRefused();
+    EXPECT_EQ(GetKeyword(handle, "AutoStop"), Is("Yes"));
+    ExpectRefused();
+    EXPECT_EQ(GetQualifier(handle, "AutoStop", "Max"), Is("32767"));
+    ExpectRefused();
+    EXPECT_EQ(_oamCloseObject(handle), OAM_SUCCESS);
+    ExpectRefused();
+    EXPECT_EQ(StoredKeywordOf(board, "AutoStop"), Is("Yes"));
+}
+
+TEST_F(LentHandles, LeaveTheOthersOfTheObjectAlone) {
+    Start();
+    const unsigned long first = Open(kPlugin);
+    Script([&](ModuleScript& script) {
+        script.openObject = [&](unsigned long, unsigned) {
+            return unsigned{_oamCloseObject(first)};
+        };
+    });
+    const unsigned long second = Open(kPlugin);
+    Script([](ModuleScript& script) { script.openObject = nullptr; });
+    EXPECT_EQ(_oamCloseObject(second), OAM_SUCCESS);
+    const unsigned long writing = Open(kPlugin, kWrite);
+    EXPECT_EQ(_oamCloseObject(writing), OAM_SUCCESS) << "both are closed";
+}
+
 // ---- Imports
 
 class ImportedInside : public CalledInside {

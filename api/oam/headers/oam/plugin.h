@@ -19,6 +19,7 @@
  *    its result is OAMERR_ACCESS_DENIED (GetText: no text).
  *
  * An object handle passed to an entry is good for the _oamDb functions until CloseObject returns.
+ * It is lent: a close inside an entry that was given it is refused with OAMERR_ACCESS_DENIED.
  * Texts passed in are valid during the call; texts are answered by the rule of oam/entry.h.
  */
 #ifndef OAM_PLUGIN_H

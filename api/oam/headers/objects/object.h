@@ -117,6 +117,7 @@ class KOR_CMObject {
     bool IsOpen() const noexcept { return openCount_ > 0; }
     bool MayWrite() const noexcept { return IsOpen() && IsReadWrite(); }
     bool MayProvide() const noexcept { return MayWrite() && (openMode_ & OAM_OPEN_PROVIDER) != 0; }
+    oam_result AskToOpen(unsigned long handle, unsigned mode) noexcept;
     struct DataFilePath;
     oam_result BuildPath(DataFilePath* path) const noexcept;
     oam_result ReadFile(const char* path) noexcept;

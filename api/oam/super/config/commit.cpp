@@ -15,13 +15,23 @@ oam_result CArrayPtrsToMObject::DbCloseObject(unsigned long handle) noexcept {
     return Close(handle, false, nullptr);
 }
 
+namespace {
+
+oam_result askToClose(KOR_CMObject* object, unsigned long handle) noexcept {
+    const LentHandle lent(handle);
+    return object->TrapClose(handle);
+}
+
+}  // namespace
+
 oam_result CArrayPtrsToMObject::Close(unsigned long handle, bool trap,
                                       ClosedObject* closed) noexcept {
+    if (LentHandle::Is(handle)) return OAMERR_ACCESS_DENIED;
     KOR_CMObject* object = Find(getNameFromHandle(handle));
     if (object == nullptr) return OAMERR_NOT_FOUND;
     if (object->OpenCount() == 0) return OAMERR_ACCESS_DENIED;
 
-    oam_result result = trap ? object->TrapClose(handle) : OAM_SUCCESS;
+    oam_result result = trap ? askToClose(object, handle) : OAM_SUCCESS;
     if (result == OAM_SUCCESS) result = ValidateChanges(handle);
     if (result != OAM_SUCCESS) {
         // A refused change is never kept: what is stored stays what the file holds.

@@ -144,10 +144,15 @@ oam_result KOR_CMObject::DbRemoveQualifier(const char* keyword, const char* qual
     return name.IsNull() ? OAMERR_NOT_ENOUGH_MEMORY : keywords_.Remove(name.Get());
 }
 
+oam_result KOR_CMObject::AskToOpen(unsigned long handle, unsigned mode) noexcept {
+    const LentHandle lent(handle);
+    return TrapOpen(handle, mode);
+}
+
 oam_result KOR_CMObject::Open(unsigned long client, unsigned long* handle, unsigned mode) noexcept {
     unsigned long opened;
     if (auto failed = DbOpen(client, &opened, mode)) return failed;
-    if (auto refused = TrapOpen(opened, mode)) {
+    if (auto refused = AskToOpen(opened, mode)) {
         (void)DbClose(opened, true);
         return refused;
     }
@@ -157,12 +162,16 @@ oam_result KOR_CMObject::Open(unsigned long client, unsigned long* handle, unsig
 
 oam_result KOR_CMObject::SetKeyword(unsigned long handle, const char* name,
                                     const char* value) noexcept {
-    return MayWrite() ? TrapSetKeyword(handle, name, value) : OAMERR_ACCESS_DENIED;
+    if (!MayWrite()) return OAMERR_ACCESS_DENIED;
+    const LentHandle lent(handle);
+    return TrapSetKeyword(handle, name, value);
 }
 
 oam_result KOR_CMObject::GetKeyword(unsigned long handle, const char* name, char* buffer,
                                     unsigned size) noexcept {
-    return IsOpen() ? TrapGetKeyword(handle, name, buffer, size) : OAMERR_ACCESS_DENIED;
+    if (!IsOpen()) return OAMERR_ACCESS_DENIED;
+    const LentHandle lent(handle);
+    return TrapGetKeyword(handle, name, buffer, size);
 }
 
 oam_result KOR_CMObject::SetQualifier(unsigned long handle, const char* keyword,
@@ -174,6 +183,7 @@ oam_result KOR_CMObject::SetQualifier(unsigned long handle, const char* keyword,
 oam_result KOR_CMObject::GetQualifier(unsigned long handle, const char* keyword,
                                       const char* qualifier, char* buffer, unsigned size) noexcept {
     if (!IsOpen()) return OAMERR_ACCESS_DENIED;
+    const LentHandle lent(handle);
     const oam_result result = TrapGetQualifier(handle, keyword, qualifier, buffer, size);
     return result == OAMERR_NOT_FOUND ? getQualifierDefault(qualifier, buffer, size) : result;
 }

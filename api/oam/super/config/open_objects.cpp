@@ -10,6 +10,9 @@ unsigned long handleOf(const OpenMObject* record) noexcept {
     return reinterpret_cast<unsigned long>(record);
 }
 
+// One for the service: an object's operations run under the manager lock.
+constinit const LentHandle* innermostLent = nullptr;
+
 }  // namespace
 
 oam_result CArrayPtrsToOpenMObject::Insert(unsigned long client, KOR_CMObject* object,
@@ -53,4 +56,17 @@ KOR_CMObject* getObjectFromHandle(unsigned long handle) noexcept {
 
 const char* getNameFromHandle(unsigned long handle) noexcept {
     return getObjectFromHandle(handle)->Name();
+}
+
+LentHandle::LentHandle(unsigned long handle) noexcept : handle_(handle), outer_(innermostLent) {
+    innermostLent = this;
+}
+
+LentHandle::~LentHandle() { innermostLent = outer_; }
+
+bool LentHandle::Is(unsigned long handle) noexcept {
+    for (const LentHandle* lent = innermostLent; lent != nullptr; lent = lent->outer_) {
+        if (lent->handle_ == handle) return true;
+    }
+    return false;
 }

@@ -37,3 +37,20 @@ CArrayPtrsToOpenMObject& openObjects() noexcept;
 // was never issued is the caller's fault.
 KOR_CMObject* getObjectFromHandle(unsigned long handle) noexcept;
 const char* getNameFromHandle(unsigned long handle) noexcept;
+
+// A handle that an object's own operation is running with. It is lent: whoever runs further up the
+// stack needs it behind the operation, so a plug-in that closes it in there is refused. Marked here,
+// not in the record, since handles are not checked.
+class LentHandle {
+  public:
+    explicit LentHandle(unsigned long handle) noexcept;
+    ~LentHandle();
+    LentHandle(const LentHandle&) = delete;
+    LentHandle& operator=(const LentHandle&) = delete;
+
+    static bool Is(unsigned long handle) noexcept;
+
+  private:
+    const unsigned long handle_;
+    const LentHandle* const outer_;
+};
