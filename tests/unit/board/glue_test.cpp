@@ -184,5 +184,17 @@ TEST_F(Glue, WithoutAShadowNothingIsPublishedAndThatIsNoFailure) {
     EXPECT_THAT(doors.Calls(), IsEmpty());
 }
 
+TEST_F(Glue, DeletionFindsABoardThatItsPluginHasRenamed) {
+    doors.On("p1.DestroyBoard", [&] {
+        int index;
+        EXPECT_TRUE(boardTable().FindByName("B", &index));
+        EXPECT_TRUE(boardTable().At(index)->name.Assign("Z"));
+        boardTable().Move(index, boardTable().Count());
+        return OAM_SUCCESS;
+    });
+    EXPECT_EQ(BoardDelete("B"), OAM_SUCCESS);
+    EXPECT_THAT(BoardNames(), ElementsAre("C", "Unserved"));
+}
+
 }  // namespace
 }  // namespace oam::test

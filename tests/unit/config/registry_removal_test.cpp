@@ -60,13 +60,36 @@ TEST_F(RegistryRemoval, RefusalOfTheKindIsToldToTheSinkAndKeepsTheObject) {
     EXPECT_TRUE(home.Exists("oam/cfg/Obj0.xmo"));
 }
 
-TEST_F(RegistryRemoval, ObjectThatItsKindRemovesMeanwhileIsNotFound) {
+TEST_F(RegistryRemoval, OfAnObjectThatIsBeingRemovedIsRefused) {
+    oam_result inside = OAM_SUCCESS;
     doors.On("BoardDelete", [&] {
-        doors.Answer("BoardDelete", OAM_SUCCESS);
-        return registry.Remove("Board 1");
+        inside = registry.Remove("Board 1");
+        return OAM_SUCCESS;
     });
-    EXPECT_EQ(registry.Remove("Board 1"), OAMERR_NOT_FOUND);
+    EXPECT_EQ(registry.Remove("Board 1"), OAM_SUCCESS);
+    EXPECT_EQ(inside, OAMERR_ACCESS_DENIED);
+    EXPECT_THAT(doors.CallsOf({"BoardDelete"}), ElementsAre("BoardDelete(Board 1)"));
     EXPECT_EQ(registry.Count(), 3);
+}
+
+TEST_F(RegistryRemoval, IsAskedAnewAfterARefusal) {
+    doors.Answer("BoardDelete", oam_result(9));
+    EXPECT_EQ(registry.Remove("Board 1"), oam_result(9));
+    doors.Answer("BoardDelete", OAM_SUCCESS);
+    EXPECT_EQ(registry.Remove("Board 1"), OAM_SUCCESS);
+}
+
+TEST_F(RegistryRemoval, TakesTheObjectUnderTheNameThatItsKindGaveItMeanwhile) {
+    doors.On("BoardDelete", [&] {
+        home.Remove("oam/cfg/Obj0.xmo");
+        unsigned long handle = 0;
+        EXPECT_EQ(registry.DbOpenObject(1, "Board 1", &handle, kProvide), OAM_SUCCESS);
+        EXPECT_EQ(registry.DbSetKeyword(handle, "Name", "Zebra"), OAM_SUCCESS);
+        return registry.DbCloseObject(handle);
+    });
+    EXPECT_EQ(registry.Remove("Board 1"), OAM_SUCCESS);
+    EXPECT_THAT(Names(registry), ElementsAre("Board 2", "Supervisor", "x.bpi"));
+    EXPECT_EQ(doors.Calls().back(), "AlertNotify(OAMEVN_DELETED, 0, Zebra, )");
 }
 
 TEST_F(RegistryRemoval, ObjectThatItsKindOpensMeanwhileStays) {

@@ -61,6 +61,9 @@ class KOR_CMObject {
     // Of the current opening, or of the last one when closed.
     bool IsReadWrite() const noexcept { return (openMode_ & OAM_OPEN_WRITE) != 0; }
     const CArrayPtrsToKeyword& Keywords() const noexcept { return keywords_; }
+    // Set while its kind is asked to delete it.
+    bool IsBeingRemoved() const noexcept { return beingRemoved_; }
+    void SetBeingRemoved(bool on) noexcept { beingRemoved_ = on; }
 
     static int Compare(const KOR_CMObject& object, const char* name) noexcept;
 
@@ -130,6 +133,7 @@ class KOR_CMObject {
     int openCount_ = 0;
     unsigned openMode_ = OAM_OPEN_READ;
     bool beingCreated_ = false;
+    bool beingRemoved_ = false;
     bool isComplete_ = false;
 };
 

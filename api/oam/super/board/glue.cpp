@@ -35,10 +35,11 @@ bool isGoodName(const char* name) noexcept {
            strpbrk(name, "<>\\") == nullptr;
 }
 
+// The board is named by a copy: the plug-in may rename it meanwhile.
 oam_result destroyBoard(const CBoardID& board) noexcept {
     if (board.plugin == nullptr) return OAM_SUCCESS;
     const PluginEntries entries = board.plugin->Calls();
-    char name[oam::kNameSize];  // the record may go meanwhile
+    char name[oam::kNameSize];
     oam::CopyCut(board.Name(), name, sizeof name);
     const oam_result result = entries.DestroyBoard(name);
     return result == OAMERR_NOT_FOUND ? OAM_SUCCESS : result;
@@ -63,13 +64,10 @@ oam_result BoardDelete(const char* board) noexcept {
         const CBoardID* found = boardTable().Find(board);
         // Kept: deleting a board that is not in the table succeeds.
         if (found == nullptr) return OAM_SUCCESS;
-        // The plug-in may raise alerts, and their receiver rename or delete this very board.
         const unsigned long identity = found->identity;
         if (auto refused = destroyBoard(*found)) return refused;
         int index;
-        if (boardTable().FindByIdentity(identity, &index)) {
-            boardTable().Discard(boardTable().At(index)->Name());
-        }
+        if (boardTable().FindByIdentity(identity, &index)) boardTable().RemoveSurely(index);
     }
     (void)boardIDsShadowUpdate();
     return OAM_SUCCESS;

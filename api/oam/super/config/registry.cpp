@@ -81,18 +81,25 @@ oam_result CArrayPtrsToMObject::Insert(const char* name, const char* dataFile) n
 }
 
 oam_result CArrayPtrsToMObject::Remove(const char* name) noexcept {
-    int index;
-    if (!FindByName(name, &index)) return OAMERR_NOT_FOUND;
-    KOR_CMObject* found = At(index);
-    if (found->OpenCount() != 0) return OAMERR_ACCESS_DENIED;
-    if (auto refused = found->TrapDelete()) {
-        DebugOutput("Call to Object %s TrapDelete with error code 0x%x.\n", name,
-                    static_cast<unsigned>(refused));
+    KOR_CMObject* found = Find(name);
+    return found != nullptr ? RemoveObject(found, name) : OAMERR_NOT_FOUND;
+}
+
+oam_result CArrayPtrsToMObject::RemoveObject(KOR_CMObject* found, const char* name) noexcept {
+    if (found->OpenCount() != 0 || found->IsBeingRemoved()) return OAMERR_ACCESS_DENIED;
+    // What its kind is asked may come back here: not to remove it a second time.
+    found->SetBeingRemoved(true);
+    const oam_result refused = found->TrapDelete();
+    found->SetBeingRemoved(false);
+    if (refused != OAM_SUCCESS) {
+        DebugOutput("Call to Object %s TrapDelete with error code 0x%x.\n",
+                    name != nullptr ? name : found->Name(), static_cast<unsigned>(refused));
         return refused;
     }
-    // The plug-in may have created, removed or opened objects meanwhile.
-    if (!FindByName(name, &index) || At(index) != found) return OAMERR_NOT_FOUND;
+    // The plug-in may have created, removed or renamed objects meanwhile, or opened this one.
     if (found->OpenCount() != 0) return OAMERR_ACCESS_DENIED;
+    int index;
+    if (!FindByName(found->Name(), &index)) return OAMERR_NOT_FOUND;
     if (auto failed = TakeAt(index)) return failed;
     const std::unique_ptr<KOR_CMObject> object(found);
     if (object->RemoveFile() == OAM_SUCCESS) syncDataDirectory();
@@ -120,12 +127,9 @@ oam_result CArrayPtrsToMObject::RemoveAllBoards() noexcept {
     for (int i = 0; i < Count();) {
         if (!At(i)->IsBoard()) {
             ++i;
-            continue;
+        } else if (auto failed = RemoveObject(At(i), nullptr)) {
+            return failed;
         }
-        // Copied: a receiver of the plug-in's alerts may remove the object meanwhile.
-        oam::OwnedText name;
-        if (!name.Assign(At(i)->Name())) return OAMERR_NOT_ENOUGH_MEMORY;
-        if (auto failed = Remove(name.Get())) return failed;
     }
     return OAM_SUCCESS;
 }

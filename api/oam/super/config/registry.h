@@ -29,7 +29,8 @@ class CArrayPtrsToMObject : public oam::NamedTable<KOR_CMObject> {
 
     // The object's kind follows from its name. No file is written, no alert raised.
     oam_result Insert(const char* name, const char* dataFile) noexcept;
-    // OAMERR_NOT_FOUND; OAMERR_ACCESS_DENIED while open; what the kind's TrapDelete answers.
+    // OAMERR_NOT_FOUND; OAMERR_ACCESS_DENIED while open, or inside another removal of the object;
+    // what the kind's TrapDelete answers.
     // Removes the data file and raises OAMEVN_DELETED.
     oam_result Remove(const char* name) noexcept;
     oam_result RemoveFile(const char* name) noexcept;
@@ -59,6 +60,8 @@ class CArrayPtrsToMObject : public oam::NamedTable<KOR_CMObject> {
         int newIndex = 0;
     };
 
+    // `name` is what the sink is told in a refusal; null: the object's own.
+    oam_result RemoveObject(KOR_CMObject* found, const char* name) noexcept;
     oam_result Close(unsigned long handle, bool trap, ClosedObject* closed) noexcept;
     oam_result ValidateChanges(unsigned long handle) noexcept;
     oam_result ReadNewName(KOR_CMObject* object) noexcept;
