@@ -6,6 +6,7 @@
 
 #include "base/flags.h"
 #include "base/last_failure.h"
+#include "base/rounds.h"
 #include "config/config_running.h"
 #include "config/mobjmgr.h"
 #include "config/open_objects.h"
@@ -74,12 +75,14 @@ oam_result OpenObjectsCleanup(unsigned long client) noexcept {
     if (client == OAM_INTERNAL_CLIENT) return OAM_SUCCESS;
     ManagerGuard hold;
     oam::LastFailure result;
+    oam::Rounds rounds(openObjects().Count());
     for (int i = 0; i < openObjects().Count();) {
         const OpenMObject* record = openObjects().At(i);
         if (record->client != client) {
             ++i;
             continue;
         }
+        if (!rounds.Next()) break;  // its plug-in opens another one for each
         const unsigned long handle = reinterpret_cast<unsigned long>(record);
         DebugOutput("Closing dangling open handle 0x%08lx on object \"%s\" by client 0x%08lx.\n",
                     handle, getNameFromHandle(handle), client);

@@ -258,5 +258,19 @@ TEST_F(Requests, AutomaticStartWithoutAThreadIsNoFailure) {
     EXPECT_THAT(doors.Calls(), IsEmpty());
 }
 
+TEST_F(Requests, ForAllBoardsEndWhereThereIsANewOneAfterEach) {
+    int made = 0;
+    doors.On("p1.StartBoard", [&] {
+        EXPECT_LT(made, 1000);
+        AddBoard("D" + std::to_string(1000 + made), static_cast<unsigned>(2 + made),
+                 plugins().Find("a.bpi"));
+        ++made;
+        return OAM_SUCCESS;
+    });
+    openForRequests();
+    EXPECT_EQ(_oamStartBoard(nullptr, OAM_SYNCHRONIZED), OAM_SUCCESS);
+    EXPECT_GT(made, 2) << "those that are new are started too";
+}
+
 }  // namespace
 }  // namespace oam::test

@@ -166,6 +166,18 @@ TEST_F(ObjectAccess, HandlesThatAReceiverClosesMeanwhileAreNotTouchedAgain) {
     EXPECT_EQ(openObjects().Count(), 0);
 }
 
+TEST_F(ObjectAccess, CleanupEndsWhereThereIsANewHandleAfterEach) {
+    Open(kClient, "Supervisor", kReadWrite);
+    int opened = 0;
+    doors.On("AlertNotify", [&] {
+        EXPECT_LT(++opened, 1000);
+        Open(kClient, "Supervisor", kReadWrite);
+        return OAM_SUCCESS;
+    });
+    EXPECT_EQ(OpenObjectsCleanup(kClient), OAM_SUCCESS);
+    EXPECT_EQ(openObjects().Count(), 1);
+}
+
 TEST_F(ObjectAccess, InternalClientIsNeverCleanedUp) {
     const unsigned long handle = Open(OAM_INTERNAL_CLIENT, "Supervisor", 0);
     EXPECT_EQ(OpenObjectsCleanup(OAM_INTERNAL_CLIENT), OAM_SUCCESS);

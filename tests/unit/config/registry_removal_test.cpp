@@ -123,6 +123,15 @@ TEST_F(RegistryRemoval, OfAllBoardsEndsAtTheFirstFailure) {
     EXPECT_EQ(registry.Count(), 4);
 }
 
+TEST_F(RegistryRemoval, OfAllBoardsEndsWhereThereIsANewOneAfterEach) {
+    int made = 0;
+    doors.On("BoardDelete", [&] {
+        EXPECT_LT(made, 1000);
+        return registry.Insert(("Board 1" + std::to_string(made++)).c_str(), nullptr);
+    });
+    EXPECT_EQ(registry.RemoveAllBoards(), OAMERR_ACCESS_DENIED);
+}
+
 TEST_F(RegistryRemoval, OfEverythingAsksAndTellsNobody) {
     registry.RemoveAll(false);
     EXPECT_EQ(registry.Count(), 0);

@@ -219,8 +219,8 @@ OAM_API oam_result _oamCreateBoard(const char* product, char* nameBuffer,
                                    unsigned int size) OAM_NOEXCEPT;
 
 /* Deletes one object, or every board when name is null. OAMERR_NOT_FOUND; OAMERR_ACCESS_DENIED
- * while it is open or inside its own DestroyBoard; what the plug-in's DestroyBoard answers (but its
- * OAMERR_NOT_FOUND is success). */
+ * while it is open, inside its own DestroyBoard, or when a plug-in makes a new board for each that
+ * is deleted; what the plug-in's DestroyBoard answers (but its OAMERR_NOT_FOUND is success). */
 OAM_API oam_result _oamDeleteBoard(const char* name) OAM_NOEXCEPT;
 
 /* Creates the board objects of one detected board, or (null or empty name) of all of them.

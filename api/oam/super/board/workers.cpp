@@ -6,6 +6,7 @@
 
 #include "base/database_lock.h"
 #include "base/flags.h"
+#include "base/rounds.h"
 #include "doors/alert.h"
 #include "start_thread.h"
 #include "zol/zol.h"
@@ -72,7 +73,9 @@ void forEachBoard(const BoardRequest& request) noexcept {
     // keeps the one order.
     oam::ManagerGuard holdManager;
     TableGuard holdTable;
-    for (int i = 0; i < boardTable().Count(); ++i) {
+    oam::Rounds rounds(boardTable().Count());
+    // Those that are made meanwhile are among them, but not one for each without end.
+    for (int i = 0; i < boardTable().Count() && rounds.Next(); ++i) {
         OwnedRequest one =
             makeRequest(operation, request.opening, boardTable().At(i)->Name(), request.value);
         if (one != nullptr && one->IsFor(OAM_SYNCHRONIZED)) {

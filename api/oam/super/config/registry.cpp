@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <memory>
 
+#include "base/rounds.h"
 #include "doors/alert.h"
 #include "doors/board.h"
 #include "durable_file.h"
@@ -124,7 +125,9 @@ bool CArrayPtrsToMObject::RemoveAll(bool removeFiles) noexcept {
 }
 
 oam_result CArrayPtrsToMObject::RemoveAllBoards() noexcept {
+    oam::Rounds rounds(Count());
     for (int i = 0; i < Count();) {
+        if (!rounds.Next()) return OAMERR_ACCESS_DENIED;
         if (!At(i)->IsBoard()) {
             ++i;
         } else if (auto failed = RemoveObject(At(i), nullptr)) {

@@ -37,6 +37,7 @@ class CArrayPtrsToMObject : public oam::NamedTable<KOR_CMObject> {
     // Destroys every object, without traps and alerts.
     // False when a data file that was to be removed is still there.
     bool RemoveAll(bool removeFiles) noexcept;
+    // OAMERR_ACCESS_DENIED also when there is a new board after each.
     oam_result RemoveAllBoards() noexcept;
     bool AnyOpen() const noexcept;
 
