@@ -2,11 +2,13 @@
 // database lock.
 #include "alert/lane.h"
 
+#include <atomic>
 #include <functional>
 #include <thread>
 
 #include "alert_room.h"
 #include "base/database_lock.h"
+#include "base/foreign_frame.h"
 #include "plugins/recorder/host.h"
 #include "support/allocation_fuse.h"
 
@@ -128,23 +130,48 @@ TEST_F(Lane, ManagerLockCountsLikeTheTableLock) {
     EXPECT_THAT(Notes(), ElementsAre("in long", "out long", "in copied", "out copied"));
 }
 
-// Each of two receivers raises an alert for the other while both are busy.
-TEST_F(Lane, ThreadInsideALaneDoesNotWaitForAnotherLane) {
-    ReceiverLane other(&receive);
-    const auto plain = s_receive;
+// Each inside its own lane and on the way into the other's.
+TEST_F(Lane, TwoThreadsInTwoLanesDoNotWaitForEachOther) {
+    ReceiverLane other{&receive};
+    std::atomic<int> arrived = 0;
     s_receive = [&](const oam_msg_tag* message) {
-        if (strcmp(oamMessageText(message), "outer") == 0) {
-            EXPECT_EQ(lane.Deliver(Saying("copied").Get()), OAM_SUCCESS);
-            return OAM_SUCCESS;
-        }
-        return plain(message);
+        const std::string text = oamMessageText(message);
+        Note(text);
+        if (text != "a" && text != "b") return OAM_SUCCESS;
+        ++arrived;
+        while (arrived < 2) std::this_thread::yield();
+        ReceiverLane& target = text == "a" ? other : lane;
+        return target.Deliver(Saying("from " + text).Get());
     };
-    Occupy();
-    EXPECT_EQ(other.Deliver(Saying("outer").Get()), OAM_SUCCESS);
-    EXPECT_THAT(Notes(), ElementsAre("in long"));
-    Release();
-    EXPECT_THAT(Notes(), ElementsAre("in long", "out long", "in copied", "out copied"));
-    s_receive = plain;
+    std::thread first([&] { EXPECT_EQ(lane.Deliver(Saying("a").Get()), OAM_SUCCESS); });
+    std::thread second([&] { EXPECT_EQ(other.Deliver(Saying("b").Get()), OAM_SUCCESS); });
+    first.join();
+    second.join();
+    EXPECT_THAT(Notes(), ::testing::UnorderedElementsAre("a", "b", "from a", "from b"));
+}
+
+// Each alert is answered by one more: without an end on one thread, and so on two.
+TEST_F(Lane, TwoThreadsInTwoLanesDoNotLeadEachOtherOn) {
+    ReceiverLane other{&receive};
+    std::atomic<int> arrived = 0;
+    std::atomic<int> received = 0;
+    s_receive = [&](const oam_msg_tag* message) {
+        const ForeignFrame frame;
+        if (!frame.MayEnter()) return OAMERR_ACCESS_DENIED;
+        if (arrived < 2) ++arrived;
+        while (arrived < 2) std::this_thread::yield();
+        EXPECT_LT(++received, 10 * kMostInnerEntries);
+        if (received > 10 * kMostInnerEntries) return OAM_SUCCESS;
+        (void)lane.Deliver(message);
+        (void)other.Deliver(message);
+        return OAM_SUCCESS;
+    };
+    const Message message = Saying("again");
+    std::thread first([&] { (void)lane.Deliver(message.Get()); });
+    std::thread second([&] { (void)other.Deliver(message.Get()); });
+    first.join();
+    second.join();
+    s_receive = [](const oam_msg_tag*) { return OAM_SUCCESS; };
 }
 
 TEST_F(Lane, DeliversCopiesInTheOrderInWhichTheyWereLeft) {

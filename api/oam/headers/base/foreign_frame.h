@@ -21,6 +21,22 @@ class ForeignFrame {
     ForeignFrame& operator=(const ForeignFrame&) = delete;
 
     bool MayEnter() const noexcept;
+
+    // How many entries the thread is inside of.
+    static int Depth() noexcept;
+};
+
+// For what another thread has left to this one: it lies as deep as it did there. Otherwise two
+// threads could lead each other on for ever.
+class InheritedDepth {
+  public:
+    explicit InheritedDepth(int depth) noexcept;
+    ~InheritedDepth();
+    InheritedDepth(const InheritedDepth&) = delete;
+    InheritedDepth& operator=(const InheritedDepth&) = delete;
+
+  private:
+    const int own_;
 };
 
 }  // namespace oam

@@ -3,6 +3,7 @@
 #include <new>
 
 #include "base/database_lock.h"
+#include "base/foreign_frame.h"
 
 namespace {
 
@@ -33,7 +34,10 @@ oam_result ReceiverLane::Deliver(const oam_msg_tag* message) noexcept {
         first_ = next->next;
         if (first_ == nullptr) last_ = &first_;
         hold.unlock();
-        (void)receiver_(next->record.get());
+        {
+            const oam::InheritedDepth depth(next->depth);
+            (void)receiver_(next->record.get());
+        }
         hold.lock();
     }
     --lanesInside;
@@ -44,7 +48,8 @@ oam_result ReceiverLane::Deliver(const oam_msg_tag* message) noexcept {
 }
 
 oam_result ReceiverLane::LeaveCopy(const oam_msg_tag* message) noexcept {
-    std::unique_ptr<Waiting> copy(new (std::nothrow) Waiting{copyRecord(*message)});
+    std::unique_ptr<Waiting> copy(new (std::nothrow)
+                                      Waiting{copyRecord(*message), oam::ForeignFrame::Depth()});
     if (copy == nullptr || copy->record == nullptr) return OAMERR_NOT_ENOUGH_MEMORY;
     *last_ = copy.release();
     last_ = &(*last_)->next;

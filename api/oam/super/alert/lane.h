@@ -26,6 +26,7 @@ class ReceiverLane {
   private:
     struct Waiting {
         AlertRecord record;
+        int depth;  // of foreign code on the thread that left it
         Waiting* next = nullptr;
     };
 

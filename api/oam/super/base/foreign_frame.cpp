@@ -31,4 +31,12 @@ bool ForeignFrame::MayEnter() const noexcept {
     return frames.depth <= kDeepestEntry && (frames.depth < kInner || !frames.isUsedUp);
 }
 
+int ForeignFrame::Depth() noexcept { return frames.depth; }
+
+InheritedDepth::InheritedDepth(int depth) noexcept : own_(frames.depth) {
+    if (depth > own_) frames.depth = depth;
+}
+
+InheritedDepth::~InheritedDepth() { frames.depth = own_; }
+
 }  // namespace oam
