@@ -161,6 +161,24 @@ TEST_F(Products, AreNoneWhenTheCountCannotBeRead) {
     EXPECT_EQ(recorder.Count("CloseObject"), 1u);
 }
 
+TEST_F(Products, AreNoneWhenTheCountIsAnsweredWithoutAWord) {
+    AddPlugin("rec.bpi", [](ModuleScript& script) {
+        script.getKeyword = [](unsigned long, const char*, char*, unsigned) { return 0u; };
+    });
+    Start();
+    EXPECT_THAT(Listed(), IsEmpty());
+}
+
+TEST_F(Products, HaveAnEmptyNameWhenItIsAnsweredWithoutAWord) {
+    AddPlugin("rec.bpi", [](ModuleScript& script) {
+        script.getKeyword = [](unsigned long, const char* asked, char* buffer, unsigned size) {
+            return std::string(asked) == "Products.Count" ? Copy("1", buffer, size) : 0u;
+        };
+    });
+    Start();
+    EXPECT_THAT(Listed(), ElementsAre(""));
+}
+
 TEST_F(Products, StopTheStartWhenOneIsReportedTwice) {
     AddPluginFor("rec.bpi", {"Card", "CARD"});
     EXPECT_EQ(_oamInit(), OAMERR_ALREADY_EXISTS);

@@ -16,7 +16,7 @@ oam_result readProducts(unsigned long handle, const CPlugin* plugin) noexcept {
     const int count = readCount(handle, "Products.Count");
     for (int i = 0; i < count; ++i) {
         char keyword[32];
-        char product[oam::kNameSize];
+        char product[oam::kNameSize] = "";  // a plug-in may succeed and write nothing
         snprintf(keyword, sizeof keyword, "Products[%d]", i);
         if (auto failed = GetKeyword(handle, keyword, product, sizeof product)) return failed;
         product[sizeof product - 1] = '\0';
@@ -52,7 +52,7 @@ CArrayPtrsToProduct& products() noexcept {
 }
 
 int readCount(unsigned long handle, const char* keyword) noexcept {
-    char text[oam::kNameSize];
+    char text[oam::kNameSize] = "";
     if (GetKeyword(handle, keyword, text, sizeof text) != OAM_SUCCESS) return 0;
     text[sizeof text - 1] = '\0';
     return std::clamp(atoi(text), 0, kMostFromPlugin);
