@@ -107,6 +107,28 @@ TEST_F(Rename, MovesTheObjectToItsPlaceInTheOrder) {
     }
 }
 
+// A start would read something else there, and set the file aside.
+TEST_F(Rename, IsRefusedForANameThatADataFileCannotKeep) {
+    StartWithThings({"One"});
+    const std::string before = home.ReadDataFile("One.xmo");
+    for (const char* name : {"?", "!x", "/x", "a>b", "a<b", "a\\b", "", " x", "x\t", "\n"}) {
+        EXPECT_EQ(DbChange("One", "Name", name), OAMERR_FILE_WRITE_ERROR) << name;
+        EXPECT_EQ(home.ReadDataFile("One.xmo"), before);
+        EXPECT_THAT(Things(), ElementsAre("One"));
+    }
+}
+
+TEST_F(Rename, LastsForEveryNameThatADataFileCanKeep) {
+    StartWithThings({"One"});
+    std::string old = "One";
+    for (const char* name : {"a?b", "a/b!", "100%s%n", "..", "&amp;", "\"q\""}) {
+        EXPECT_EQ(DbChange(old, "Name", name), OAM_SUCCESS) << name;
+        EXPECT_EQ(_oamRestart(), OAM_SUCCESS);
+        EXPECT_THAT(Things(), ElementsAre(name));
+        old = name;
+    }
+}
+
 TEST_F(Rename, FreesTheOldName) {
     StartWithThings({"One", "Another"});
     EXPECT_EQ(DbChange("One", "Name", "Free"), OAM_SUCCESS);
