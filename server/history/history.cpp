@@ -144,7 +144,12 @@ ChangeFinder::BytesOf History::LastBytes() {
 }
 
 void History::NoteTrace() {
-    std::string trace = StartTrace(startupLog_);
+    std::string trace;
+    try {
+        trace = StartTrace(startupLog_);
+    } catch (const Failure&) {
+        return;  // until it can be looked at
+    }
     if (trace == trace_) return;
     book_->Note(kTraceFact, trace);
     trace_ = std::move(trace);

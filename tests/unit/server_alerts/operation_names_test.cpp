@@ -3,6 +3,8 @@
 namespace oam::server {
 namespace {
 
+using ::testing::ElementsAre;
+
 TEST_F(Operations, EndUnderTheNewNameOfTheirBoard) {
     const std::string id = Begin("Board 1");
     Rename("BOARD 1", "Board A");

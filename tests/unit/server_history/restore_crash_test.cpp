@@ -1,11 +1,13 @@
-// The daemon is killed, or the power fails, in the middle of putting files back: the next start
-// finishes it, and no byte of a spoiled file is lost.
-#include <algorithm>
+// The daemon is killed, the power fails or the system refuses something in the middle of putting
+// files back: the next start finishes it, and no byte of a spoiled file is lost.
+#include <sys/wait.h>
+
 #include <filesystem>
 
 #include "history_fixture.h"
 #include "points.h"
 #include "recorded_disk.h"
+#include "system_errors.h"
 #include "traced_child.h"
 
 namespace oam::server::test {
@@ -41,9 +43,15 @@ class RestoreCrash : public HistoryTest {
     // For a child.
     int Restore() {
         Reopen();
-        const auto said = history->RestoreSpoiled();
+        torture::TraceFromHere();
+        int status = 2;
+        try {
+            status = history->RestoreSpoiled().size() == 2 ? 0 : 1;
+        } catch (const std::runtime_error&) {
+        }
+        torture::TraceUntilHere();
         history.reset();
-        return said.size() == 2 ? 0 : 1;
+        return status;
     }
 
     // The daemon's next start.
@@ -74,6 +82,7 @@ TEST_F(RestoreCrash, AKillBeforeAnySystemCallCostsNothing) {
                             return Decision{};
                         }),
               0);
+    ASSERT_GT(calls, 100u);
     const auto points = torture::ChosenPoints(calls, 60);
     for (const std::size_t point : points) {
         SCOPED_TRACE("killed before call " + std::to_string(point));
@@ -85,9 +94,9 @@ TEST_F(RestoreCrash, AKillBeforeAnySystemCallCostsNothing) {
                   });
         ExpectThatTheNextStartFinishes();
     }
-    torture::TellFigures("kill points, restoring spoiled files",
-                         std::to_string(points.size()) + " of " + std::to_string(calls) +
-                             " calls, 0 lost");
+    torture::TellFigures(
+        "kill points, restoring spoiled files",
+        std::to_string(points.size()) + " of " + std::to_string(calls) + " calls, 0 lost");
 }
 
 TEST_F(RestoreCrash, APowerLossAtAnyMomentCostsNothing) {
@@ -96,6 +105,7 @@ TEST_F(RestoreCrash, APowerLossAtAnyMomentCostsNothing) {
                         [&](const SystemCall& call, long result) { disk.Observe(call, result); }),
               0);
     const auto states = disk.States();
+    ASSERT_GT(states.size(), 5u);
     const auto chosen = torture::ChosenPoints(states.size(), 60);
     for (const std::size_t index : chosen) {
         SCOPED_TRACE("after event " + std::to_string(states[index].event) + " of " +
@@ -106,6 +116,41 @@ TEST_F(RestoreCrash, APowerLossAtAnyMomentCostsNothing) {
     torture::TellFigures("power loss, restoring spoiled files",
                          std::to_string(chosen.size()) + " of " + std::to_string(states.size()) +
                              " disks after " + std::to_string(disk.Events()) + " events, 0 lost");
+}
+
+TEST_F(RestoreCrash, AFailureOfAnySystemCallCostsNothing) {
+    struct Point {
+        std::size_t call;
+        long number;
+        Decision failure;
+    };
+    std::vector<Point> points;
+    std::size_t calls = 0;
+    EXPECT_EQ(RunTraced([&] { return Restore(); },
+                        [&](const SystemCall& made) {
+                            for (const Decision& failure : torture::FailuresOf(made.number))
+                                points.push_back({calls, made.number, failure});
+                            ++calls;
+                            return Decision{};
+                        }),
+              0);
+    ASSERT_GT(points.size(), 100u);
+    const auto chosen = torture::ChosenPoints(points.size(), 60);
+    for (const std::size_t index : chosen) {
+        const Point& point = points[index];
+        SCOPED_TRACE(std::string(torture::CallName(point.number)) + ", call " +
+                     std::to_string(point.call) + ", errno " + std::to_string(point.failure.error));
+        std::size_t call = 0;
+        Renew();
+        const int status = RunTraced(
+            [&] { return Restore(); },
+            [&](const SystemCall&) { return call++ == point.call ? point.failure : Decision{}; });
+        EXPECT_TRUE(WIFEXITED(status)) << status;
+        ExpectThatTheNextStartFinishes();
+    }
+    torture::TellFigures(
+        "I/O errors, restoring spoiled files",
+        std::to_string(chosen.size()) + " of " + std::to_string(points.size()) + " points, 0 lost");
 }
 
 }  // namespace oam::server::test
