@@ -3,6 +3,7 @@
 #include "plugins/recorder/call.h"
 
 using oam::test::Called;
+using oam::test::CalledScript;
 using oam::test::ModuleScript;
 using oam::test::Shown;
 
@@ -24,48 +25,56 @@ unsigned storeKeywords(const char* board, const ModuleScript& script) {
 }  // namespace
 
 unsigned int DetectBoards() {
-    const ModuleScript script = Called("DetectBoards");
+    const CalledScript script = Called("DetectBoards");
+    if (script.answer) return *script.answer;
     return script.detectBoards ? script.detectBoards() : OAM_SUCCESS;
 }
 
 unsigned int CreateBoard(const char* boardName, const char* productName) {
-    const ModuleScript script = Called("CreateBoard", {Shown(boardName), Shown(productName)});
+    const CalledScript script = Called("CreateBoard", {Shown(boardName), Shown(productName)});
+    if (script.answer) return *script.answer;
     if (script.createBoard) return script.createBoard(boardName, productName);
     return storeKeywords(boardName, script);
 }
 
 unsigned int DestroyBoard(const char* boardName) {
-    const ModuleScript script = Called("DestroyBoard", {Shown(boardName)});
+    const CalledScript script = Called("DestroyBoard", {Shown(boardName)});
+    if (script.answer) return *script.answer;
     return script.destroyBoard ? script.destroyBoard(boardName) : OAM_SUCCESS;
 }
 
 unsigned int StartBoard(const char* boardName) {
-    const ModuleScript script = Called("StartBoard", {Shown(boardName)});
+    const CalledScript script = Called("StartBoard", {Shown(boardName)});
+    if (script.answer) return *script.answer;
     return script.startBoard ? script.startBoard(boardName) : OAM_SUCCESS;
 }
 
 unsigned int StopBoard(const char* boardName) {
-    const ModuleScript script = Called("StopBoard", {Shown(boardName)});
+    const CalledScript script = Called("StopBoard", {Shown(boardName)});
+    if (script.answer) return *script.answer;
     return script.stopBoard ? script.stopBoard(boardName) : OAM_SUCCESS;
 }
 
 #ifndef RECORDER_WITHOUT_TEST_BOARD
 unsigned int TestBoard(const char* boardName, unsigned int testValue) {
-    const ModuleScript script = Called("TestBoard", {Shown(boardName), std::to_string(testValue)});
+    const CalledScript script = Called("TestBoard", {Shown(boardName), std::to_string(testValue)});
+    if (script.answer) return *script.answer;
     return script.testBoard ? script.testBoard(boardName, testValue) : OAM_SUCCESS;
 }
 #endif
 
 unsigned int SendBuffer(const char* boardName, const void* buffer, unsigned int length) {
-    const ModuleScript script = Called(
+    const CalledScript script = Called(
         "SendBuffer", {Shown(boardName), std::string(static_cast<const char*>(buffer), length)});
+    if (script.answer) return *script.answer;
     return script.sendBuffer ? script.sendBuffer(boardName, buffer, length) : OAM_SUCCESS;
 }
 
 #ifndef RECORDER_WITHOUT_GET_BOARD_STATUS
 unsigned int GetBoardStatus(const char* boardName, unsigned int selector, int* status) {
-    const ModuleScript script =
+    const CalledScript script =
         Called("GetBoardStatus", {Shown(boardName), std::to_string(selector)});
+    if (script.answer) return *script.answer;
     if (script.getBoardStatus) return script.getBoardStatus(boardName, selector, status);
     *status = script.status;
     return OAM_SUCCESS;

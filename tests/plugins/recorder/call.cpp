@@ -40,13 +40,16 @@ bool parseElement(const std::string& keyword, const std::string& base, size_t* i
 
 }  // namespace
 
-ModuleScript Called(const char* entry, std::vector<std::string> arguments, CallDetails details) {
+CalledScript Called(const char* entry, std::vector<std::string> arguments, CallDetails details) {
     RecorderBlock* block = recorderBlock();
     if (block == nullptr) return {};
-    const std::string file = ownFileName();
-    block->record({file, entry, std::move(arguments), details.handle, details.nullBuffer,
-                   std::this_thread::get_id()});
-    return block->script(file);
+    const RecordedCall call{ownFileName(),        entry,
+                            std::move(arguments), details.handle,
+                            details.nullBuffer,   std::this_thread::get_id()};
+    block->record(call);
+    CalledScript script{block->script(call.file), {}};
+    if (script.first) script.answer = script.first(call);
+    return script;
 }
 
 unsigned AnswerText(const std::string& text, char* buffer, unsigned size) {

@@ -14,8 +14,14 @@ struct CallDetails {
     bool nullBuffer = false;
 };
 
-// Records the call and answers the module's script; without a recorder in the process an empty one.
-ModuleScript Called(const char* entry, std::vector<std::string> arguments = {},
+// The module's script, and what its `first` has answered to this call.
+struct CalledScript : ModuleScript {
+    std::optional<Code> answer;
+};
+
+// Records the call, asks `first`, and answers the module's script; without a recorder in the
+// process an empty one.
+CalledScript Called(const char* entry, std::vector<std::string> arguments = {},
                     CallDetails details = {});
 
 // Writes an answer by the rule for texts of oam/entry.h.

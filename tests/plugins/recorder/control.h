@@ -9,6 +9,7 @@
 
 #include <functional>
 #include <map>
+#include <optional>
 #include <string>
 #include <thread>
 #include <utility>
@@ -49,6 +50,9 @@ struct ModuleScript {
     int status = 0;
 
     using Code = unsigned;
+    // Asked first, at every call of every entry. It may throw and call the service; a code that it
+    // answers is the entry's (GetText then knows nothing).
+    std::function<std::optional<Code>(const RecordedCall&)> first;
     std::function<Code(const char* file)> init;                               // 0
     std::function<Code()> exit;                                               // 0
     std::function<const char*(unsigned code)> getText;                        // from `texts`

@@ -9,23 +9,26 @@
 
 using oam::test::AnswerText;
 using oam::test::Called;
+using oam::test::CalledScript;
 using oam::test::ListedKeyword;
-using oam::test::ModuleScript;
 using oam::test::Shown;
 
 unsigned int Init(const char* fileName) {
-    const ModuleScript script = Called("Init", {Shown(fileName)});
+    const CalledScript script = Called("Init", {Shown(fileName)});
+    if (script.answer) return *script.answer;
     return script.init ? script.init(fileName) : OAM_SUCCESS;
 }
 
 unsigned int Exit() {
-    const ModuleScript script = Called("Exit");
+    const CalledScript script = Called("Exit");
+    if (script.answer) return *script.answer;
     return script.exit ? script.exit() : OAM_SUCCESS;
 }
 
 #ifndef RECORDER_WITHOUT_GET_TEXT
 const char* GetText(unsigned int code) {
-    const ModuleScript script = Called("GetText", {std::to_string(code)});
+    const CalledScript script = Called("GetText", {std::to_string(code)});
+    if (script.answer) return nullptr;
     if (script.getText) return script.getText(code);
     auto found = script.texts.find(code);
     return found == script.texts.end() ? nullptr : found->second;
@@ -34,34 +37,39 @@ const char* GetText(unsigned int code) {
 
 #ifndef RECORDER_WITHOUT_ALERT_RECEIVE
 unsigned int AlertReceive(const oam_msg_tag* message) {
-    const ModuleScript script =
+    const CalledScript script =
         Called("AlertReceive",
                {std::to_string(message->code), oamMessageSource(message), oamMessageText(message)});
+    if (script.answer) return *script.answer;
     return script.alertReceive ? script.alertReceive(message) : OAM_SUCCESS;
 }
 #endif
 
 unsigned int OpenObject(unsigned long handle, unsigned int mode) {
-    const ModuleScript script = Called("OpenObject", {std::to_string(mode)}, {.handle = handle});
+    const CalledScript script = Called("OpenObject", {std::to_string(mode)}, {.handle = handle});
+    if (script.answer) return *script.answer;
     return script.openObject ? script.openObject(handle, mode) : OAM_SUCCESS;
 }
 
 unsigned int CloseObject(unsigned long handle) {
-    const ModuleScript script = Called("CloseObject", {}, {.handle = handle});
+    const CalledScript script = Called("CloseObject", {}, {.handle = handle});
+    if (script.answer) return *script.answer;
     return script.closeObject ? script.closeObject(handle) : OAM_SUCCESS;
 }
 
 unsigned int SetKeyword(unsigned long handle, const char* keyword, const char* value) {
-    const ModuleScript script =
+    const CalledScript script =
         Called("SetKeyword", {Shown(keyword), Shown(value)}, {.handle = handle});
+    if (script.answer) return *script.answer;
     if (script.setKeyword) return script.setKeyword(handle, keyword, value);
     return _oamDbSetKeyword(handle, keyword, value);
 }
 
 unsigned int GetKeyword(unsigned long handle, const char* keyword, char* buffer,
                         unsigned int size) {
-    const ModuleScript script = Called("GetKeyword", {Shown(keyword), std::to_string(size)},
+    const CalledScript script = Called("GetKeyword", {Shown(keyword), std::to_string(size)},
                                        {.handle = handle, .nullBuffer = buffer == nullptr});
+    if (script.answer) return *script.answer;
     if (script.getKeyword) return script.getKeyword(handle, keyword, buffer, size);
     if (auto listed = ListedKeyword(script, keyword)) return AnswerText(*listed, buffer, size);
     return _oamDbGetKeyword(handle, keyword, buffer, size);
@@ -70,9 +78,10 @@ unsigned int GetKeyword(unsigned long handle, const char* keyword, char* buffer,
 #ifndef RECORDER_WITHOUT_GET_QUALIFIER
 unsigned int GetQualifier(unsigned long handle, const char* keyword, const char* qualifier,
                           char* buffer, unsigned int size) {
-    const ModuleScript script =
+    const CalledScript script =
         Called("GetQualifier", {Shown(keyword), Shown(qualifier), std::to_string(size)},
                {.handle = handle, .nullBuffer = buffer == nullptr});
+    if (script.answer) return *script.answer;
     if (script.getQualifier) return script.getQualifier(handle, keyword, qualifier, buffer, size);
     return _oamDbGetQualifier(handle, keyword, qualifier, buffer, size);
 }
