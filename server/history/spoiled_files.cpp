@@ -4,6 +4,8 @@
 #include <utility>
 
 #include "failure.h"
+#include "history/file_identity.h"
+#include "history/object_key.h"
 #include "history/replaced_file.h"
 
 namespace oam::server {
@@ -29,10 +31,17 @@ SpoiledFiles::SpoiledFiles(const ChangeFinder& files, const KnownObjects& known,
 SpoilReport SpoiledFiles::PutBack(const ChangeFinder::BytesOf& bytesOf,
                                   const MayBeDeleted& mayBeDeleted) {
     for (const auto& [name, file] : files_.Unreadable()) PutBackSpoiled(file, bytesOf);
-    if (!mayBeDeleted) return std::move(report_);
-    for (const auto& [key, object] : known_)
-        if (!files_.IsHeld(key) && !files_.Unreadable().contains(object.file))
-            PutBackMissing(object, bytesOf, mayBeDeleted);
+    for (const auto& [key, object] : known_) {
+        if (!mayBeDeleted) break;
+        if (files_.IsHeld(key) || FileIdentity::Of(directory_ + '/' + object.file)) continue;
+        if (mayBeDeleted(object))
+            report_.sentences.push_back(Quoted(object.file) +
+                                        " is missing: " + Quoted(object.name) +
+                                        " counts as deleted, for the service ran without the "
+                                        "daemon since");
+        else
+            PutBackMissing(object, bytesOf);
+    }
     return std::move(report_);
 }
 
@@ -46,44 +55,42 @@ const KnownObject* SpoiledFiles::OwnerOf(const std::string& file) const {
 void SpoiledFiles::PutBackSpoiled(const FoundFile& file, const ChangeFinder::BytesOf& bytesOf) {
     const KnownObject* const owner = OwnerOf(file.name);
     const bool isSpoiled = file.condition == FoundFile::Condition::kSpoiled;
-    if (owner == nullptr || !isSpoiled)
-        return Say(file.why + (isSpoiled ? "; the history has nothing to put in its place" : "") +
-                   ": it is left as it is");
+    if (owner == nullptr || !isSpoiled) {
+        report_.sentences.push_back(
+            file.why + (isSpoiled ? "; the history has nothing to put in its place" : "") +
+            ": it is left as it is");
+        return;
+    }
     const std::string path = directory_ + '/' + file.name;
     const std::string kept = configuration_ + '/' + file.name;
-    Try(*owner, file.why, [&] {
+    std::string aside;
+    try {
         NewFile good(kept + kBesideSuffix, bytesOf(owner->name), path);
-        const std::string aside = SetSpoiledAside(path, kept);
+        aside = SetSpoiledAside(path, kept);
         good.MoveTo(path);
-        report_.restored.push_back(owner->name);
-        Say(file.why + ": " + asOf(*owner) + "; the spoiled file is " +
-            Quoted(aside.substr(configuration_.size() + 1)));
-    });
+    } catch (const std::runtime_error& failure) {  // also of the book
+        report_.lost.push_back(owner->name);
+        report_.sentences.push_back(file.why + ": " + Quoted(owner->name) +
+                                    " cannot be put back: " + failure.what());
+        return;
+    }
+    report_.restored.push_back(owner->name);
+    report_.sentences.push_back(file.why + ": " + asOf(*owner) + "; the spoiled file is " +
+                                Quoted(aside.substr(configuration_.size() + 1)));
 }
 
-void SpoiledFiles::PutBackMissing(const KnownObject& object, const ChangeFinder::BytesOf& bytesOf,
-                                  const MayBeDeleted& mayBeDeleted) {
-    Try(object, Quoted(object.file) + " is missing", [&] {
-        if (mayBeDeleted(object))
-            return Say(Quoted(object.file) + " is missing: " + Quoted(object.name) +
-                       " counts as deleted, for the service ran without the daemon since");
+void SpoiledFiles::PutBackMissing(const KnownObject& object, const ChangeFinder::BytesOf& bytesOf) {
+    try {
         NewFile(configuration_ + '/' + object.file + kBesideSuffix, bytesOf(object.name), {})
             .MoveTo(directory_ + '/' + object.file);
-        report_.restored.push_back(object.name);
-        Say(Quoted(object.file) + " was missing: " + asOf(object));
-    });
-}
-
-void SpoiledFiles::Try(const KnownObject& object, const std::string& what,
-                       const std::function<void()>& step) {
-    try {
-        step();
-    } catch (const std::runtime_error& failure) {  // of the files, or of the book
+    } catch (const std::runtime_error& failure) {  // also of the book
         report_.lost.push_back(object.name);
-        Say(what + ": " + Quoted(object.name) + " cannot be put back: " + failure.what());
+        report_.sentences.push_back(Quoted(object.file) + " is missing: " + Quoted(object.name) +
+                                    " cannot be put back: " + failure.what());
+        return;
     }
+    report_.restored.push_back(object.name);
+    report_.sentences.push_back(Quoted(object.file) + " was missing: " + asOf(object));
 }
-
-void SpoiledFiles::Say(const std::string& sentence) { report_.sentences.push_back(sentence); }
 
 }  // namespace oam::server

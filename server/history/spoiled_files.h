@@ -36,11 +36,7 @@ class SpoiledFiles {
   private:
     const KnownObject* OwnerOf(const std::string& file) const;
     void PutBackSpoiled(const FoundFile& file, const ChangeFinder::BytesOf& bytesOf);
-    void PutBackMissing(const KnownObject& object, const ChangeFinder::BytesOf& bytesOf,
-                        const MayBeDeleted& mayBeDeleted);
-    // A step that fails is said, and its object is lost for now.
-    void Try(const KnownObject& object, const std::string& what, const std::function<void()>& step);
-    void Say(const std::string& sentence);
+    void PutBackMissing(const KnownObject& object, const ChangeFinder::BytesOf& bytesOf);
 
     const ChangeFinder& files_;
     const KnownObjects& known_;

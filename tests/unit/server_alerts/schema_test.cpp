@@ -16,6 +16,8 @@ using test::Installation;
 using test::Layout;
 using testing::HasSubstr;
 
+constexpr std::int64_t kNewest = 2;
+
 // As another program would.
 void run(const std::string& path, const char* sql) {
     sqlite3* handle = nullptr;
@@ -49,7 +51,7 @@ class Schema : public testing::Test {
     const std::string path_ = place_.Path("oamd.db");
 };
 
-TEST_F(Schema, ANewBookHasTheNewestVersion) { EXPECT_EQ(Version(), 1); }
+TEST_F(Schema, ANewBookHasTheNewestVersion) { EXPECT_EQ(Version(), kNewest); }
 
 TEST_F(Schema, AFileOfANewerVersionIsRefusedAndLeftAlone) {
     { Database database(path_); }
@@ -70,14 +72,14 @@ TEST_F(Schema, AnotherProgramsDatabaseIsRefusedAndLeftAlone) {
 TEST_F(Schema, AnEmptyFileBecomesABook) {
     place_.Write("oamd.db", "");
     EXPECT_EQ(failureOf(path_), "no failure");
-    EXPECT_EQ(Version(), 1);
+    EXPECT_EQ(Version(), kNewest);
 }
 
 TEST_F(Schema, ABookThatLacksItsStepsGetsThem) {
     // As after a kill between the making of the file and its first step.
     run(path_, "PRAGMA journal_mode = WAL");
     EXPECT_EQ(failureOf(path_), "no failure");
-    EXPECT_EQ(Version(), 1);
+    EXPECT_EQ(Version(), kNewest);
 }
 
 TEST_F(Schema, TheDaemonGoesOnWithoutABookOfANewerVersion) {
