@@ -4,10 +4,13 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <filesystem>
 #include <system_error>
 
 namespace oam::server {
 namespace {
+
+constexpr const char* kName = "scratch-";
 
 [[noreturn]] void fail(const std::string& path) {
     throw std::system_error(errno, std::generic_category(), path);
@@ -15,7 +18,8 @@ namespace {
 
 }  // namespace
 
-ScratchFile::ScratchFile(const std::string& directory) : path_(directory + "/oam/scratch-XXXXXX") {
+ScratchFile::ScratchFile(const std::string& directory)
+    : path_(directory + "/oam/" + kName + "XXXXXX") {
     descriptor_ = mkostemp(path_.data(), O_CLOEXEC);
     if (descriptor_ < 0) fail(path_);
 }
@@ -23,6 +27,13 @@ ScratchFile::ScratchFile(const std::string& directory) : path_(directory + "/oam
 ScratchFile::~ScratchFile() {
     close(descriptor_);
     unlink(path_.c_str());
+}
+
+void ScratchFile::RemoveLeftOver(const std::string& directory) {
+    std::error_code ignored;  // what cannot be removed hinders nobody
+    for (const auto& entry : std::filesystem::directory_iterator(directory + "/oam", ignored))
+        if (entry.path().filename().string().starts_with(kName))
+            std::filesystem::remove(entry.path(), ignored);
 }
 
 void ScratchFile::Append(std::string_view bytes) {

@@ -15,6 +15,9 @@ class ScratchFile {
     ScratchFile(const ScratchFile&) = delete;
     ScratchFile& operator=(const ScratchFile&) = delete;
 
+    // Of a daemon that was killed. Nobody else may have one at the time.
+    static void RemoveLeftOver(const std::string& directory);
+
     const std::string& Path() const { return path_; }
 
     // At the end; std::system_error when it cannot be written.

@@ -9,6 +9,7 @@
 
 #include "alerts/alert_writer.h"
 #include "configuration/configuration_keeper.h"
+#include "configuration/scratch_file.h"
 #include "daemon/notifier.h"
 #include "daemon/signals.h"
 #include "daemon/start_failure.h"
@@ -97,6 +98,7 @@ class Daemon {
                 place.Path(kBook)},
           sessionsService_(core_, sessions_) {
         if (!numbers_.Trouble().empty()) journal.Say(Priority::kError, numbers_.Trouble());
+        ScratchFile::RemoveLeftOver(place.Directory());
         LoadOperations();
         writer_.emplace(bell_, place.Path(kBook),
                         std::vector<StoreJob*>{&alertWriter_, &operationStore_},

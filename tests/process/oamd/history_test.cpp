@@ -89,5 +89,12 @@ TEST_F(DaemonHistory, PutsASpoiledDataFileBackAndSaysSo) {
     }));
 }
 
+TEST_F(DaemonHistory, LeavesNothingOfAKilledExportLyingAbout) {
+    Kill();
+    home.Write("oam/scratch-a1B2c3", "half an export");
+    StartAgain();
+    EXPECT_FALSE(home.Exists("oam/scratch-a1B2c3"));
+}
+
 }  // namespace
 }  // namespace oam::test
