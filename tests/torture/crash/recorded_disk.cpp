@@ -178,8 +178,8 @@ std::string RecordedDisk::PlaceOf(const Event& event) {
 // Goes through the events with what is synced and what is not.
 class PossibleDisks {
   public:
-    explicit PossibleDisks(const RecordedDisk& disk)
-        : synced_(disk.firstNames_), inodes_(disk.first_) {}
+    PossibleDisks(const RecordedDisk& disk, int atRandom)
+        : atRandom_(atRandom), synced_(disk.firstNames_), inodes_(disk.first_) {}
 
     void Pass(const RecordedDisk::Event& event) {
         using Kind = RecordedDisk::Event::Kind;
@@ -202,7 +202,6 @@ class PossibleDisks {
     // How much of the data that is not synced is there.
     enum class Data { kWhole, kHalf, kOld };
     static constexpr std::size_t kMostForEverySubset = 8;
-    static constexpr int kRandomSubsets = 64;
 
     void SyncNames(const std::string& directory) {
         std::vector<RecordedDisk::Event> left;
@@ -242,7 +241,7 @@ class PossibleDisks {
             AddSubset([=](std::size_t i) { return i < chosen; });
             AddSubset([=](std::size_t i) { return i == chosen; });
         }
-        for (int i = 0; i < kRandomSubsets; ++i) {
+        for (int i = 0; i < atRandom_; ++i) {
             std::vector<bool> isThere(count);
             for (std::size_t k = 0; k < count; ++k) isThere[k] = (random_() & 1) != 0;
             AddSubset([&](std::size_t k) { return isThere[k]; });
@@ -275,6 +274,7 @@ class PossibleDisks {
         return inode.data.substr(0, inode.data.size() / 2);
     }
 
+    const int atRandom_;
     RecordedDisk::Names synced_;
     std::map<int, RecordedDisk::Inode> inodes_;
     std::vector<RecordedDisk::Event> pending_;
@@ -284,8 +284,8 @@ class PossibleDisks {
     std::vector<RecordedDisk::State> states_;
 };
 
-std::vector<RecordedDisk::State> RecordedDisk::States() const {
-    PossibleDisks disks(*this);
+std::vector<RecordedDisk::State> RecordedDisk::States(int atRandom) const {
+    PossibleDisks disks(*this, atRandom);
     for (const Event& event : events_) disks.Pass(event);
     return disks.Take();
 }

@@ -33,7 +33,8 @@ class RecordedDisk {
         std::string what;   // for messages
         Files files;
     };
-    std::vector<State> States() const;
+    // `atRandom`: so many random subsets after each event with many.
+    std::vector<State> States(int atRandom) const;
     std::size_t Events() const { return events_.size(); }
 
   private:

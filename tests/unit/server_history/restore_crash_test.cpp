@@ -104,7 +104,7 @@ TEST_F(RestoreCrash, APowerLossAtAnyMomentCostsNothing) {
     EXPECT_EQ(RunTraced([&] { return Restore(); }, [](const SystemCall&) { return Decision{}; },
                         [&](const SystemCall& call, long result) { disk.Observe(call, result); }),
               0);
-    const auto states = disk.States();
+    const auto states = disk.States(8);
     ASSERT_GT(states.size(), 5u);
     const auto chosen = torture::ChosenPoints(states.size(), 60);
     for (const std::size_t index : chosen) {
