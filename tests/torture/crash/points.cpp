@@ -39,4 +39,13 @@ void TellFigures(const std::string& rig, const std::string& figures) {
 
 void TellFigures(const std::string& line) { std::printf("%s\n", line.c_str()); }
 
+std::string Grouped(unsigned long number) {
+    std::string digits = std::to_string(number);
+    for (size_t place = digits.size(); place > 3;) {
+        place -= 3;
+        digits.insert(place, ",");
+    }
+    return digits;
+}
+
 }  // namespace oam::torture

@@ -21,4 +21,7 @@ std::vector<std::size_t> ChosenPoints(std::size_t count, std::size_t most);
 void TellFigures(const std::string& rig, const std::string& figures);
 void TellFigures(const std::string& line);
 
+// "1,000,000"
+std::string Grouped(unsigned long number);
+
 }  // namespace oam::torture

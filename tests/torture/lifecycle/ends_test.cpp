@@ -29,7 +29,7 @@ class ProcessEnd : public testing::Test {
     }
 
     const SimSite site_{kBoards, 1};
-    std::mt19937 random_{11};
+    std::mt19937_64 random_{Seed()};
 };
 
 TEST_F(ProcessEnd, AtAnyMomentIsAnEnd) {
@@ -40,7 +40,7 @@ TEST_F(ProcessEnd, AtAnyMomentIsAnEnd) {
     for (unsigned long i = 0; i < ends; ++i) {
         for (const char* kind : kKinds) {
             const std::string moment = std::to_string(random_() % kLongest);
-            const std::string seed = std::to_string(i);
+            const std::string seed = std::to_string(random_() % 1000000);
             const Ended ended = RunToItsEnd({ENDING_PROCESS, kind, moment, seed});
             ASSERT_TRUE(ended.IsFine()) << kind << ' ' << moment << ' ' << seed << ' ' << ended;
         }

@@ -40,13 +40,4 @@ std::string Repeat(unsigned long rounds, const std::function<void(unsigned long)
     return words.str();
 }
 
-std::string Grouped(unsigned long number) {
-    std::string digits = std::to_string(number);
-    for (size_t place = digits.size(); place > 3;) {
-        place -= 3;
-        digits.insert(place, ",");
-    }
-    return digits;
-}
-
 }  // namespace oam::torture

@@ -21,7 +21,4 @@ struct Allowed {
 std::string Repeat(unsigned long rounds, const std::function<void(unsigned long)>& round,
                    int threads, const Allowed& allowed = {});
 
-// "1,000,000"
-std::string Grouped(unsigned long number);
-
 }  // namespace oam::torture

@@ -82,7 +82,7 @@ class Restarts : public testing::Test {
     }
 
     const SimSite site_{kBoards, 1};
-    std::mt19937 random_{7};
+    std::mt19937_64 random_{Seed()};
     std::string configured_;
     unsigned long requests_ = 0;
 };

@@ -9,19 +9,15 @@
 
 namespace oam::torture {
 
-namespace {
-
-bool isUnderValgrind() {
+bool IsUnderValgrind() {
     const char* preloaded = std::getenv("LD_PRELOAD");
     return preloaded != nullptr &&
-           std::string_view(preloaded).find("vgpreload") != std::string::npos;
+           std::string_view(preloaded).find("vgpreload") != std::string_view::npos;
 }
-
-}  // namespace
 
 // Below the limit of a test, so that the places are told before the test is ended from outside.
 std::chrono::seconds Watchdog::UsualLimit() {
-    if (isUnderValgrind()) return std::chrono::minutes(20);
+    if (IsUnderValgrind()) return std::chrono::minutes(20);
 #ifdef OAM_SANITIZED
     return std::chrono::seconds(240);
 #else
@@ -35,8 +31,8 @@ Watchdog::~Watchdog() {
     {
         const std::lock_guard hold(mutex_);
         isEnding_ = true;
+        ended_.notify_all();
     }
-    ended_.notify_all();
     thread_.join();
 }
 

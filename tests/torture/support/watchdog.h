@@ -8,6 +8,8 @@
 
 namespace oam::torture {
 
+bool IsUnderValgrind();
+
 class Watchdog {
   public:
     // The longest that one call (support/places.h) may take. Under valgrind it may take much

@@ -33,7 +33,7 @@ void unregisterClient(Caller& caller) {
 // The last failure of a receiver; OAMERR_SERVER_NOT_RUNNING is that of a module which an import has
 // ended meanwhile.
 void notify(Caller& caller) {
-    static const std::vector<unsigned> kEvents = {
+    static constexpr unsigned kEvents[] = {
         OAMEVN_ALERT,           OAMEVN_TRACE,           OAMEVN_REPORT, OAMEVN_BOARD_DEAD,
         OAMEVN_FAN_RPM_WARNING, OAMEVN_STARTBOARD_DONE, 0x60000001};
     Random& random = caller.Chance();

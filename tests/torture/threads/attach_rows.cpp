@@ -33,8 +33,8 @@ void clientExit(Caller& caller) {
 }
 
 void getText(Caller& caller) {
-    static const std::vector<unsigned> kCodes = {OAMERR_NOT_FOUND, OAMEVN_RENAMED, 0x50000001,
-                                                 0x50010001,       0x50020001,     12345};
+    static constexpr unsigned kCodes[] = {OAMERR_NOT_FOUND, OAMEVN_RENAMED, 0x50000001,
+                                          0x50010001,       0x50020001,     12345};
     caller.Call("_oamGetText", {OAM_SUCCESS}, [&] {
         const unsigned code = caller.Chance().OneOf(kCodes);
         const char* text = _oamGetText(code);

@@ -1,7 +1,6 @@
 #include "caller.h"
 
 #include <algorithm>
-#include <numeric>
 
 #include "oam/entry.h"
 #include "words.h"
@@ -12,11 +11,8 @@ namespace {
 
 constexpr size_t kMostOpen = 2;
 
-const Row& chosenRow(Random& random) {
-    static const unsigned kAll =
-        std::accumulate(AllRows().begin(), AllRows().end(), 0u,
-                        [](unsigned sum, const Row& row) { return sum + row.weight; });
-    unsigned turn = random.Below(kAll);
+const Row& chosenRow(Random& random, unsigned allWeights) {
+    unsigned turn = random.Below(allWeights);
     for (const Row& row : AllRows()) {
         if (turn < row.weight) return row;
         turn -= row.weight;
@@ -33,7 +29,7 @@ Caller::~Caller() { CloseAll(); }
 
 void Caller::MakeOne() {
     if (storm_.IsQuiet()) CloseAll();
-    chosenRow(random_).make(*this);
+    chosenRow(random_, storm_.AllWeights()).make(*this);
 }
 
 std::string Caller::ExportFile() const {

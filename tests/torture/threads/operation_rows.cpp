@@ -30,11 +30,11 @@ constexpr Codes kPluginCodes = {OAM_SUCCESS,
                                 oam::sim::SIM_WRONG_PRODUCT};
 
 void send(Caller& caller) {
-    static const std::vector<std::string> kCommands = {
+    static constexpr const char* kCommands[] = {
         "temperature 850", "temperature 300", "fan 900", "fan 3000", "fail start 1", "dead",
         "remove",          "insert",          "insert",  "insert",   "sing",         ""};
     const std::string board = caller.Board();
-    const std::string& command = caller.Chance().OneOf(kCommands);
+    const std::string command = caller.Chance().OneOf(kCommands);
     caller.Call("_oamSendBuffer", kPluginCodes, [&] {
         return unsigned{
             _oamSendBuffer(board.c_str(), command.data(), static_cast<unsigned>(command.size()))};

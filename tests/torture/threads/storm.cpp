@@ -38,7 +38,10 @@ bool isSound(const oam_msg_tag& message) {
 }  // namespace
 
 Storm::Storm(const SimSite& site, unsigned seed) : site_(site), seed_(seed) {
-    for (const Row& row : AllRows()) tallies_[row.name];
+    for (const Row& row : AllRows()) {
+        tallies_[row.name];
+        allWeights_ += row.weight;
+    }
     current = this;
     (void)_oamAlertRegisterCallback(&Receive);
 }

@@ -27,6 +27,8 @@ class Storm {
 
     const SimSite& Site() const { return site_; }
     unsigned Seed() const { return seed_; }
+    // Of all rows together.
+    unsigned AllWeights() const { return allWeights_; }
     // A client that nobody else has.
     unsigned long NewClient() { return ++lastClient_; }
 
@@ -60,6 +62,7 @@ class Storm {
 
     const SimSite& site_;
     const unsigned seed_;
+    unsigned allWeights_ = 0;
     std::map<std::string, Tally> tallies_;  // one for each function, made before any call
     std::atomic<unsigned long> lastClient_{1000};
     std::atomic<unsigned long> heard_{0};

@@ -8,6 +8,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <memory>
 #include <set>
 #include <thread>
 
@@ -16,7 +17,6 @@
 #include "oam/entry.h"
 #include "oam/shadow.h"
 #include "soundness.h"
-#include "support/data_file.h"
 #include "support/resources.h"
 #include "support/short_waits.h"
 #include "support/watchdog.h"
@@ -62,6 +62,13 @@ std::vector<std::string> openFiles() {
     return files;
 }
 
+// What the library makes at its first use is made before there are several threads: a race detector
+// that does not see the atomics of the language takes it for a race.
+void callOnce(Storm& storm) {
+    Caller caller(storm, storm.Seed(), Caller::Where::kOnItsOwn);
+    for (const Row& row : AllRows()) row.make(caller);
+}
+
 void runCallers(Storm& storm, unsigned calls) {
     std::vector<std::thread> threads;
     for (unsigned i = 0; i < kThreads; ++i) {
@@ -83,7 +90,11 @@ void storm(unsigned seed, unsigned calls, Totals* totals) {
     ASSERT_TRUE(site.StartWithBoards()) << site.home.Read("oam/log/startup.log");
     ASSERT_EQ(_oamConfigExport(site.home.Path("out/first.oam").c_str()), OAM_SUCCESS);
     {
-        Storm storm(site, seed);
+        // Not on the stack: that would be used again after threads of the service, which nobody
+        // joins and whose end a race detector does not see.
+        const auto made = std::make_unique<Storm>(site, seed);
+        Storm& storm = *made;
+        callOnce(storm);
         runCallers(storm, calls);
         storm.Rest();
         ExpectSoundService(site, threads + SimSite::kOwnThreads);
@@ -108,24 +119,25 @@ class ThreadStorm : public testing::Test {
     }
 };
 
+// Another chance with OAM_TORTURE_SEED; one storm of so many calls a thread with OAM_TORTURE_CALLS.
 TEST_F(ThreadStorm, GetsDocumentedCodesAndLeavesASoundService) {
-    const bool isFull = IsFull();
-    const unsigned first = numberFrom("OAM_TORTURE_SEED", 1);
-    const unsigned storms = isFull ? 20 : 2;
-    const unsigned calls = numberFrom("OAM_TORTURE_CALLS", isFull ? 50000 : 4000);
+    const unsigned first = static_cast<unsigned>(Seed());
+    const unsigned wanted = numberFrom("OAM_TORTURE_CALLS", 0);
+    const unsigned calls = wanted != 0 ? wanted : IsFull() ? 50000 : 5000;
+    const unsigned storms = wanted != 0 ? 1 : IsFull() ? 20 : 2;
     Totals totals;
     for (unsigned i = 0; i < storms && !HasFailure(); ++i) {
         const Watchdog watchdog;
         storm(first + i, calls, &totals);
     }
     for (const auto& [function, successes] : totals.successes) {
-        EXPECT_GT(successes, 0u) << function << " never succeeded";
+        EXPECT_TRUE(successes != 0 || wanted != 0) << function << " never succeeded";
     }
-    TellFigures("threads", std::to_string(kThreads) + " threads, " + std::to_string(totals.calls) +
-                               " calls, " + std::to_string(totals.fromReceivers) +
-                               " of them by receivers, " + std::to_string(totals.successes["_oamConfigImport"]) +
-                               " imports, " + std::to_string(totals.undocumented) +
-                               " undocumented, 0 hung");
+    TellFigures("threads", std::to_string(kThreads) + " threads, " + Grouped(totals.calls) +
+                               " calls, " + Grouped(totals.fromReceivers) +
+                               " of them by receivers, " +
+                               Grouped(totals.successes["_oamConfigImport"]) + " imports, " +
+                               Grouped(totals.undocumented) + " undocumented, 0 hung");
 }
 
 TEST_F(ThreadStorm, HasEveryExportedFunction) {

@@ -1,15 +1,11 @@
 #include "words.h"
 
-#include <array>
-
 #include "oam/entry.h"
 #include "support/sim_site.h"
 
 namespace oam::torture {
 
 namespace {
-
-using Words = std::vector<std::string>;
 
 std::string numbered(const char* stem, Random& random, unsigned count) {
     return stem + std::to_string(random.Below(count));
@@ -23,17 +19,18 @@ std::string listedBoard(Random& random) {
 }
 
 std::string newName(Random& random) {
-    static const Words kBad = {"", " Card", "Card ", "Ca<rd", "Sim 0", "ECHO 0"};
-    return random.OneIn(4) ? random.OneOf(kBad) : numbered("Card ", random, 8);
+    static constexpr const char* kBad[] = {"", " Card", "Card ", "Ca<rd", "Sim 0", "ECHO 0"};
+    return random.OneIn(4) ? std::string(random.OneOf(kBad)) : numbered("Card ", random, 8);
 }
 
 std::string yesOrNo(Random& random) {
-    static const Words kAnswers = {"Yes", "No", "yes", "NO", "maybe"};
+    static constexpr const char* kAnswers[] = {"Yes", "No", "yes", "NO", "maybe"};
     return random.OneOf(kAnswers);
 }
 
 KeywordValue boardChange(Random& random) {
-    static const Words kTexts = {"Driver.Name", "Driver.BoardId", "Eeprom.SerialNum", "Unknown"};
+    static constexpr const char* kTexts[] = {"Driver.Name", "Driver.BoardId", "Eeprom.SerialNum",
+                                             "Unknown"};
     switch (random.Below(9)) {
         case 0:
             return {"Name", newName(random)};
@@ -57,8 +54,9 @@ KeywordValue boardChange(Random& random) {
 }
 
 KeywordValue supervisorChange(Random& random) {
-    static const Words kKeywords = {"AutoStartEnabled",   "AutoStopEnabled", "OammonLog",
-                                    "SynchronizeEnabled", "Version.Major",   "Name"};
+    static constexpr const char* kKeywords[] = {"AutoStartEnabled", "AutoStopEnabled",
+                                                "OammonLog",        "SynchronizeEnabled",
+                                                "Version.Major",    "Name"};
     return {random.OneOf(kKeywords), yesOrNo(random)};
 }
 
@@ -113,31 +111,33 @@ std::string AnyBoard(Random& random) {
 }
 
 std::string AnyProduct(Random& random) {
-    static const Words kProducts = {"SIM-E1", "sim-ip", "ECHO", "ECHO", "none such", ""};
+    static constexpr const char* kProducts[] = {"SIM-E1", "sim-ip",    "ECHO",
+                                                "ECHO",   "none such", ""};
     return random.OneOf(kProducts);
 }
 
 std::string AnyObject(Random& random) {
-    static const Words kOthers = {kSupervisor, kSim, kWatch, kEar, kEcho, "none such"};
-    return random.OneIn(2) ? random.OneOf(kOthers) : AnyBoard(random);
+    static constexpr const char* kOthers[] = {kSupervisor, kSim, kWatch, kEar, kEcho, "none such"};
+    return random.OneIn(2) ? std::string(random.OneOf(kOthers)) : AnyBoard(random);
 }
 
 std::string AnyKeyword(Random& random, const std::string& object) {
-    static const Words kComputed = {"Boards.Count",
-                                    "Boards[1].Name",
-                                    "Products[0]",
-                                    "DetectedBoards.Count",
-                                    "DetectedBoards[0].Location.PCI.Bus",
-                                    "BoardPlugins[0]",
-                                    "Name",
-                                    "Keywords.Count"};
-    return random.OneIn(3) ? random.OneOf(kComputed) : AnyChange(random, object).keyword;
+    static constexpr const char* kComputed[] = {"Boards.Count",
+                                                "Boards[1].Name",
+                                                "Products[0]",
+                                                "DetectedBoards.Count",
+                                                "DetectedBoards[0].Location.PCI.Bus",
+                                                "BoardPlugins[0]",
+                                                "Name",
+                                                "Keywords.Count"};
+    return random.OneIn(3) ? std::string(random.OneOf(kComputed))
+                           : AnyChange(random, object).keyword;
 }
 
 std::string AnyQualifier(Random& random) {
-    static const Words kQualifiers = {"Type",       "ReadOnly",    "Choices.Count",
-                                      "Choices[0]", "Description", "Keywords.Count",
-                                      "Max",        "Torture"};
+    static constexpr const char* kQualifiers[] = {"Type",       "ReadOnly",    "Choices.Count",
+                                                  "Choices[0]", "Description", "Keywords.Count",
+                                                  "Max",        "Torture"};
     return random.OneOf(kQualifiers);
 }
 
