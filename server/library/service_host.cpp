@@ -1,7 +1,11 @@
 #include "library/service_host.h"
 
-#include "alert_inbox.h"
+#include <exception>
+#include <optional>
+#include <utility>
+
 #include "oam/entry.h"
+#include "operations/alert_intake.h"
 
 namespace oam::server {
 namespace {
@@ -38,23 +42,19 @@ unsigned ServiceHost::Receive(unsigned long client, const oam_msg_tag* message) 
     return OAM_SUCCESS;
 }
 
-void ServiceHost::Take(unsigned long client, const oam_msg_tag& message) noexcept try {
-    StoredAlert alert;
-    alert.time = std::chrono::system_clock::now();
-    alert.code = message.code;
-    alert.severity = message.severity;
-    alert.source = RecordText(message, message.sourceOffset);
-    alert.text = RecordText(message, message.textOffset);
-    if (client != OAM_INTERNAL_CLIENT) {
-        if (toClient_) toClient_(client, alert);
-        return;
+void ServiceHost::Take(unsigned long client, const oam_msg_tag& message) noexcept {
+    std::optional<StoredAlert> alert;
+    try {
+        alert = ReadAlert(message);
+        if (client != OAM_INTERNAL_CLIENT && toClient_) toClient_(client, *alert);
+    } catch (const std::exception&) {
+        // No memory. What was for everybody has a number all the same.
     }
-    const std::string ended = operations_.OnAlert(alert);
-    alert.operation = ended;
-    alert.sequence = ring_.Publish(alert);
-    if (!ended.empty()) operations_.Number(ended, alert.sequence);
-} catch (const std::exception&) {
-    // No memory: the ring counts what it could not keep.
+    if (client != OAM_INTERNAL_CLIENT) return;
+    if (alert)
+        TakeIn(std::move(*alert), operations_, ring_);
+    else
+        ring_.PublishMissing();
 }
 
 }  // namespace oam::server

@@ -178,12 +178,15 @@ OperationBook::Ending OperationBook::Conclude(Entry& entry) noexcept {
 
 void OperationBook::ForgetOldest() noexcept {
     while (ended_.size() > kept_ && ended_.front()->isConcluded) {
-        entries_.erase(ended_.front()->id);
+        const std::shared_ptr<Entry> oldest = ended_.front();
+        if (oldest->isChanged) changed_.erase(oldest->change);
+        entries_.erase(oldest->id);
         ended_.pop_front();
     }
 }
 
 void OperationBook::NoteChange(Entry& entry) noexcept {
+    changed_.splice(changed_.end(), entry.isChanged ? changed_ : entry.unchanged, entry.change);
     entry.isChanged = true;
     if (bell_ != nullptr) bell_->Ring();
 }

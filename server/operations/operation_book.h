@@ -74,7 +74,7 @@ class OperationBook {
     // For the book on disk. What it knew of earlier starts, in the order that TakeChanged gave it:
     // what ran is unknown from now on.
     void Load(const std::vector<OperationRecord>& records);
-    // What changed since the last call, those that ended in the order of their ends.
+    // What changed since the last call, in the order of the last changes.
     std::vector<OperationRecord> TakeChanged();
     // They could not be written: they are changed still, as far as they are not forgotten.
     void PutBack(const std::vector<OperationRecord>& records) noexcept;
@@ -85,6 +85,7 @@ class OperationBook {
     struct Entry;
     struct Ending;
     using Entries = std::list<std::shared_ptr<Entry>>;
+    using Changes = std::list<Entry*>;
 
     // These hold mutex_.
     std::shared_ptr<Entry> FindEntry(const std::string& id) const noexcept;
@@ -104,6 +105,7 @@ class OperationBook {
     std::map<OperationId, std::shared_ptr<Entry>> entries_;
     Entries running_;  // in the order of their begins
     Entries ended_;    // in the order of their ends
+    Changes changed_;  // in the order of their last changes
     std::map<std::uint64_t, std::shared_ptr<Entry>> waits_;
     std::uint64_t lastWait_ = 0;
 };

@@ -13,7 +13,6 @@ void OperationBook::Load(const std::vector<OperationRecord>& records) {
         entry->id = *id;
         entry->names.push_back(record.board);
         entry->isConcluded = true;
-        entry->isChanged = false;
         Entries one{entry};
         entry->place = one.begin();
         entries_.emplace(*id, entry);
@@ -28,23 +27,30 @@ void OperationBook::Load(const std::vector<OperationRecord>& records) {
 std::vector<OperationRecord> OperationBook::TakeChanged() {
     std::vector<OperationRecord> changed;
     const std::lock_guard hold(mutex_);
-    for (const Entries* entries : {&running_, &ended_})
-        for (const auto& entry : *entries)
-            if (entry->isChanged) changed.push_back(entry->record);
-    for (const Entries* entries : {&running_, &ended_})
-        for (const auto& entry : *entries) entry->isChanged = false;
+    for (const Entry* entry : changed_) changed.push_back(entry->record);
+    while (!changed_.empty()) {
+        Entry& entry = *changed_.front();
+        entry.unchanged.splice(entry.unchanged.end(), changed_, entry.change);
+        entry.isChanged = false;
+    }
     return changed;
 }
 
+// Before what changed meanwhile.
 void OperationBook::PutBack(const std::vector<OperationRecord>& records) noexcept {
     const std::lock_guard hold(mutex_);
-    for (const OperationRecord& record : records)
-        if (const auto entry = FindEntry(record.id)) entry->isChanged = true;
+    for (auto record = records.rbegin(); record != records.rend(); ++record) {
+        const auto entry = FindEntry(record->id);
+        if (entry == nullptr || entry->isChanged) continue;
+        changed_.splice(changed_.begin(), entry->unchanged, entry->change);
+        entry->isChanged = true;
+    }
 }
 
 void OperationBook::ChangeAll() noexcept {
     const std::lock_guard hold(mutex_);
-    for (const auto& [id, entry] : entries_) entry->isChanged = true;
+    for (const Entries* entries : {&ended_, &running_})
+        for (const auto& entry : *entries) NoteChange(*entry);
 }
 
 }  // namespace oam::server

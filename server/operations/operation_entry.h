@@ -2,6 +2,7 @@
 #pragma once
 
 #include <algorithm>
+#include <exception>
 #include <new>
 #include <string>
 #include <string_view>
@@ -25,7 +26,15 @@ struct OperationBook::Entry {
     std::vector<std::pair<std::uint64_t, Done>> waits;
     Entries::iterator place;
     bool isConcluded = false;  // with its sequence number
-    bool isChanged = true;
+    bool isChanged = false;
+    // This entry's node, here or, while it is changed, in the book's list; so that to note a change
+    // needs no memory.
+    Changes unchanged{this};
+    Changes::iterator change = unchanged.begin();
+
+    Entry() = default;
+    Entry(const Entry&) = delete;
+    Entry& operator=(const Entry&) = delete;
 
     bool IsOn(const std::string& board) const {
         return std::any_of(names.begin(), names.end(),
@@ -46,8 +55,14 @@ struct OperationBook::Ending {
     std::shared_ptr<Entry> entry;
     std::vector<std::pair<std::uint64_t, Done>> waits;
 
-    void Call() const {
-        for (const auto& [number, done] : waits) done(entry->record);
+    // One that throws, for want of memory, must not keep the others from theirs.
+    void Call() const noexcept {
+        for (const auto& [number, done] : waits) {
+            try {
+                done(entry->record);
+            } catch (const std::exception&) {
+            }
+        }
     }
 };
 

@@ -93,9 +93,10 @@ void OperationStore::Save(Database& database, const std::vector<OperationRecord>
         bind(save, record);
         save.Run();
     }
-    Statement(database,
-              "DELETE FROM operations WHERE state <> ?1 AND turn NOT IN"
-              " (SELECT turn FROM operations WHERE state <> ?1 ORDER BY turn DESC LIMIT ?2)")
+    Statement(
+        database,
+        "DELETE FROM operations WHERE state <> ?1 AND turn <="
+        " (SELECT turn FROM operations WHERE state <> ?1 ORDER BY turn DESC LIMIT 1 OFFSET ?2)")
         .Bind(1, kRunning)
         .Bind(2, static_cast<std::int64_t>(kept_))
         .Run();

@@ -108,7 +108,7 @@ TEST_F(OperationsOnDisk, AreBoundedAndInTheOrderOfTheirEnds) {
     book.Refuse(slow, 1, "no");
     const std::string running = book.Begin(OperationKind::kStart, "Board 1", "root").id;
     Write(book, 3);
-    EXPECT_EQ(idsOf(Load()), (std::vector<std::string>{ids[3], ids[4], running, slow}));
+    EXPECT_EQ(idsOf(Load()), (std::vector<std::string>{ids[3], ids[4], slow, running}));
 }
 
 TEST_F(OperationsOnDisk, ThatWereForgottenInMemoryAreGoneFromDiskToo) {
@@ -176,6 +176,10 @@ TEST_F(OperationsOnDisk, ChangesAreTakenOnce) {
     EXPECT_EQ(idsOf(changed), std::vector<std::string>{second});
     book.PutBack(changed);
     EXPECT_EQ(idsOf(book.TakeChanged()), std::vector<std::string>{second});
+    book.Refuse(first, 1, "no");
+    book.PutBack(changed);
+    EXPECT_EQ(idsOf(book.TakeChanged()), (std::vector<std::string>{second, first}))
+        << "what could not be written came before what changed since";
     book.ChangeAll();
     EXPECT_EQ(book.TakeChanged().size(), 2u);
 }

@@ -146,6 +146,14 @@ TEST_F(Waits, MayUseTheBookInTheirCall) {
     EXPECT_EQ(called_.size(), 1u);
 }
 
+TEST_F(Waits, OneThatThrowsKeepsNobodyElseWaiting) {
+    const std::string id = Begin();
+    book_.Wait(id, [](const OperationRecord&) { throw std::bad_alloc(); });
+    book_.Wait(id, Note());
+    End();
+    EXPECT_EQ(called_.size(), 1u);
+}
+
 // With one kept, the record is forgotten by the time that it is told.
 TEST_F(Waits, AreToldAnOperationThatIsForgottenMeanwhile) {
     OperationBook small(7, 1);
