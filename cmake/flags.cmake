@@ -44,7 +44,14 @@ else()
     set(OAM_NO_UNDEFINED -Wl,-z,defs)
 endif()
 
+# Counted by threads and by processes at once: the counters are atomic, the files are merged.
+add_library(oam_counted INTERFACE)
+if(OAM_COVERAGE)
+    target_compile_options(oam_counted INTERFACE --coverage -fprofile-update=atomic)
+    add_link_options(--coverage)
+endif()
+
 # The service and its platform throw nothing: every failure is a code.
 add_library(oam_nothrow INTERFACE)
 target_compile_options(oam_nothrow INTERFACE $<$<COMPILE_LANGUAGE:CXX>:-fno-exceptions>)
-target_link_libraries(oam_nothrow INTERFACE oam_flags)
+target_link_libraries(oam_nothrow INTERFACE oam_flags oam_counted)

@@ -140,6 +140,7 @@ TEST_P(UnderWay, ThePluginMayStillCallTheService) {
         if (board == "Bravo") {
             latch.Wait();
             answered = NumberOf(board).code;
+            answered.notify_all();
         }
         return 0u;
     });
@@ -147,8 +148,9 @@ TEST_P(UnderWay, ThePluginMayStillCallTheService) {
     ASSERT_TRUE(latch.WaitForArrival());
     EXPECT_EQ(_oamExit(), OAM_SUCCESS);
     latch.Open();
-    EXPECT_TRUE(WaitForThreads(threads));
+    answered.wait(0);
     EXPECT_EQ(answered.load(), unsigned{OAMERR_SERVER_NOT_RUNNING});
+    EXPECT_TRUE(WaitForThreads(threads));
 }
 
 INSTANTIATE_TEST_SUITE_P(Each, UnderWay, Values(kStart, kStop, kTest),

@@ -160,6 +160,40 @@ TEST_F(Commit, NameTakenSinceItWasSetIsRefusedAtTheClose) {
     EXPECT_THAT(Objects(), ElementsAre("NEW", "One", "Supervisor"));
 }
 
+// With the object's own close before it.
+constexpr oam_result (*kObjectCloses[])(unsigned long) = {_oamCloseObject, _oamCloseObject_WOAN};
+
+TEST_F(Commit, BoardWithoutANameCannotBeCommitted) {
+    AddPluginFor("x.bpi", {"Prod"});
+    Start();
+    const std::string board = CreateBoard("Prod");
+    for (const auto close : kObjectCloses) {
+        const unsigned long handle = Open(board, kProvider);
+        EXPECT_EQ(_oamDbRemoveKeyword(handle, "Name"), OAM_SUCCESS);
+        alerts.Clear();
+        EXPECT_EQ(close(handle), OAMERR_NOT_FOUND);
+        EXPECT_THAT(alerts.All(), IsEmpty());
+        EXPECT_EQ(StoredKeywordOf(board, "Name"), Is(board));
+    }
+}
+
+TEST_F(Commit, BoardsNameTakenSinceItWasSetIsRefusedAtTheClose) {
+    AddPluginFor("x.bpi", {"Prod"});
+    Start();
+    const std::string one = CreateBoard("Prod");
+    const std::string two = CreateBoard("Prod");
+    for (const auto close : kObjectCloses) {
+        const unsigned long handle = Open(one, kWrite);
+        EXPECT_EQ(_oamSetKeyword(handle, "Name", "New"), OAM_SUCCESS);
+        EXPECT_EQ(DbChange(two, "Name", "NEW"), OAM_SUCCESS);
+        alerts.Clear();
+        EXPECT_EQ(close(handle), OAMERR_ALREADY_EXISTS);
+        EXPECT_THAT(alerts.All(), IsEmpty());
+        EXPECT_EQ(StoredKeywordOf(one, "Name"), Is(one));
+        EXPECT_EQ(DbChange("NEW", "Name", two), OAM_SUCCESS);
+    }
+}
+
 TEST_F(Commit, RefusedByThePluginsCloseDropsTheChanges) {
     AddPlugin("x.bpi");
     Start();
