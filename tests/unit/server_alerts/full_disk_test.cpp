@@ -40,10 +40,14 @@ std::uint64_t publishUntilItIsFull(DaemonParts& daemon) {
 }
 
 void expectRecovery(DaemonParts& daemon, std::uint64_t newest) {
-    EXPECT_TRUE(daemon.complaints.Await("can be written again"));
     EXPECT_TRUE(daemon.AwaitWritten(newest));
-    EXPECT_EQ(daemon.complaints.All().size(), 2u)
-        << testing::PrintToString(daemon.complaints.All());
+    // A file system that fills up may find a last bit of room once more: each time is told, once.
+    EXPECT_TRUE(sim::becomesTrue([&] { return daemon.complaints.All().size() % 2 == 0; }));
+    const auto complaints = daemon.complaints.All();
+    EXPECT_THAT(complaints, testing::SizeIs(testing::AllOf(testing::Ge(2u), testing::Le(6u))));
+    for (std::size_t i = 0; i < complaints.size(); ++i)
+        EXPECT_THAT(complaints[i], testing::HasSubstr(i % 2 == 0 ? "cannot write the book"
+                                                                 : "can be written again"));
     const auto kept = numbersIn(daemon.BookPath());
     EXPECT_EQ(kept, Range(kept.at(0), newest));
     Database database(daemon.BookPath());
