@@ -1,5 +1,7 @@
 // The front of the board shadow: what any process calls to read it, and what the service calls to
-// write it. Each is whole under the segment's lock, and the process's view is not given up meanwhile.
+// write it. Each is whole under the segment's lock, and the process's view is not given up
+// meanwhile. Nobody waits for the segment's lock with the process's own held: a caller that holds
+// the segment's lock itself would otherwise wait for a thread that waits for it.
 
 #include <memory>
 
@@ -14,6 +16,7 @@ namespace {
 struct View {
     CBoardIDsShadow shadow;
     View* replaced = nullptr;  // Kept: a second oamShadowInit does not release the first view.
+    int users = 1;             // under the process's mutex; the process is one
 };
 
 struct Process {
@@ -27,11 +30,37 @@ Process& process() noexcept {
     return instance.Get();
 }
 
+void leave(View* view) noexcept {
+    if (view == nullptr) return;
+    {
+        KorGuard hold(process().mutex);
+        if (--view->users > 0) return;
+    }
+    delete view;
+}
+
+// The process's view for one call. oamShadowExit during it leaves the view to the last user.
+class UsedView {
+  public:
+    UsedView() noexcept {
+        KorGuard hold(process().mutex);
+        view_ = process().view;
+        if (view_ != nullptr) ++view_->users;
+    }
+    ~UsedView() { leave(view_); }
+    UsedView(const UsedView&) = delete;
+    UsedView& operator=(const UsedView&) = delete;
+
+    CBoardIDsShadow* Shadow() const noexcept { return view_ != nullptr ? &view_->shadow : nullptr; }
+
+  private:
+    View* view_ = nullptr;
+};
+
 template <class Use>
 oam_result read(Use use) noexcept {
-    KorGuard hold(process().mutex);
-    View* view = process().view;
-    return view != nullptr ? view->shadow.Read(use) : OAMERR_NOT_ENOUGH_MEMORY;
+    const UsedView view;
+    return view.Shadow() != nullptr ? view.Shadow()->Read(use) : OAMERR_NOT_ENOUGH_MEMORY;
 }
 
 using Contents = CBoardIDsShadow::Contents;
@@ -61,9 +90,8 @@ oam_result readNamed(const char* name, Use use) noexcept {
 }  // namespace
 
 oam_result PublishShadow(ShadowImage& image) noexcept {
-    KorGuard hold(process().mutex);
-    View* view = process().view;
-    return view != nullptr ? view->shadow.Publish(image) : OAMERR_NOT_ENOUGH_MEMORY;
+    const UsedView view;
+    return view.Shadow() != nullptr ? view.Shadow()->Publish(image) : OAMERR_NOT_ENOUGH_MEMORY;
 }
 
 oam_result oamShadowInit() noexcept {
@@ -79,9 +107,13 @@ oam_result oamShadowInit() noexcept {
 }
 
 oam_result oamShadowExit() noexcept {
-    KorGuard hold(process().mutex);
-    delete process().view;
-    process().view = nullptr;
+    View* view;
+    {
+        KorGuard hold(process().mutex);
+        view = process().view;
+        process().view = nullptr;
+    }
+    leave(view);
     return OAM_SUCCESS;
 }
 

@@ -26,7 +26,8 @@ ChildProcess::ChildProcess(const std::string& program, const std::vector<std::st
     Pipe in;
     Pipe out;
     std::vector<char*> argv{const_cast<char*>(program.c_str())};
-    for (const std::string& argument : arguments) argv.push_back(const_cast<char*>(argument.c_str()));
+    for (const std::string& argument : arguments)
+        argv.push_back(const_cast<char*>(argument.c_str()));
     argv.push_back(nullptr);
     process_ = fork();
     if (process_ == 0) {

@@ -97,9 +97,9 @@ std::string reply(const Words& words) {
     if (question == "ids") {
         std::vector<char> driver(numberOf(words.at(2)) + 1);
         std::vector<char> id(numberOf(words.at(3)) + 1);
-        const oam_result code = oamShadowBoardGetDriverIDs(
-            0, words.at(1).c_str(), driver.data(), numberOf(words.at(2)), id.data(),
-            numberOf(words.at(3)));
+        const oam_result code =
+            oamShadowBoardGetDriverIDs(0, words.at(1).c_str(), driver.data(), numberOf(words.at(2)),
+                                       id.data(), numberOf(words.at(3)));
         return answer(code, {driver.data(), id.data()});
     }
     if (question == "vx") {

@@ -53,8 +53,7 @@ std::string SegmentBytes(const std::vector<ShadowRecord>& records, bool vxPlugin
     return SegmentBytes(records, vxPlugin, static_cast<int32_t>(records.size()));
 }
 
-std::string SegmentBytes(const std::vector<ShadowRecord>& records, bool vxPlugin,
-                         int32_t claimed) {
+std::string SegmentBytes(const std::vector<ShadowRecord>& records, bool vxPlugin, int32_t claimed) {
     std::string bytes(sizeof claimed, '\0');
     std::memcpy(bytes.data(), &claimed, sizeof claimed);
     for (const ShadowRecord& record : records) bytes += RecordBytes(record);

@@ -16,6 +16,7 @@
 namespace oam::test {
 
 constexpr const char* kSegmentFile = "shm/OAM_BoardIDsShadow";
+constexpr const char* kLockName = "OAM_BoardIDsShadowCKorSharedMemoryArray";
 constexpr const char* kLockFile = "shm/OAM_BoardIDsShadowCKorSharedMemoryArray";
 constexpr size_t kSegmentSize = 10624;
 constexpr size_t kRecordSize = 332;

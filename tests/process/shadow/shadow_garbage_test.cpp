@@ -25,9 +25,7 @@ constexpr unsigned kUnreadable = OAMERR_NOT_ENOUGH_MEMORY;
 // A caller's buffer with a guard behind it.
 struct Guarded {
     explicit Guarded(unsigned wanted) : size(wanted), bytes(wanted + kGuard, '#') {}
-    ~Guarded() {
-        EXPECT_EQ(std::string(bytes.data() + size, kGuard), std::string(kGuard, '#'));
-    }
+    ~Guarded() { EXPECT_EQ(std::string(bytes.data() + size, kGuard), std::string(kGuard, '#')); }
     // A text that was answered ends within its buffer.
     unsigned Checked(unsigned code) const {
         if (code == OAM_SUCCESS) {
@@ -53,7 +51,8 @@ std::vector<unsigned> codesOfAll() {
             codes.push_back(
                 name.Checked(oamShadowBoardLookupByNumber(0, number, name.bytes.data(), size)));
         }
-        for (const std::string& key : {std::string(), std::string(129, 'A'), std::string(500, 'A')}) {
+        for (const std::string& key :
+             {std::string(), std::string(129, 'A'), std::string(500, 'A')}) {
             Guarded name(size);
             codes.push_back(name.Checked(oamShadowBoardLookupByDriverIDs(
                 0, key.c_str(), key.c_str(), name.bytes.data(), size)));
@@ -157,8 +156,11 @@ TEST_F(ShadowGarbage, OfAnyBytesIsAnsweredWithACode) {
 }
 
 TEST_F(ShadowGarbage, OfUnsortedNamesIsSearchedWithoutHarm) {
-    Attach(SegmentBytes({{"z", 0, "", "", false}, {"a", 1, "", "", false}, {"m", 2, "", "", false},
-                         {"a", 3, "", "", false}, {"", 4, "", "", false}}));
+    Attach(SegmentBytes({{"z", 0, "", "", false},
+                         {"a", 1, "", "", false},
+                         {"m", 2, "", "", false},
+                         {"a", 3, "", "", false},
+                         {"", 4, "", "", false}}));
     unsigned number = 0;
     for (const char* name : {"z", "a", "m", "", "q"}) {
         EXPECT_THAT(unsigned{oamShadowBoardGetNumber(0, name, &number)},
@@ -179,8 +181,7 @@ class CutSegment : public ShadowGarbage, public testing::WithParamInterface<size
 
 TEST_P(CutSegment, IsAnsweredWithACodeByThoseWhoAreAttached) {
     Attach(SegmentBytes(std::vector<ShadowRecord>(kMostRecords, {"Board", 1, "d", "i", false})));
-    EXPECT_EQ(oamShadowBoardGetNumber(0, "Board", std::make_unique<unsigned>().get()),
-              OAM_SUCCESS);
+    EXPECT_EQ(oamShadowBoardGetNumber(0, "Board", std::make_unique<unsigned>().get()), OAM_SUCCESS);
     segment.Truncate(GetParam());
     EXPECT_THAT(codesOfAll(), Each(AnyOf(kNone, kUnreadable)));
 }

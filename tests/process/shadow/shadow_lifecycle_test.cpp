@@ -5,6 +5,8 @@
 #include <filesystem>
 #include <functional>
 
+#include "entry/boards/elsewhere.h"
+#include "korcore/mutex.h"
 #include "oam/shadow.h"
 #include "segment.h"
 #include "support/service_test.h"
@@ -185,6 +187,36 @@ TEST_F(ShadowLifecycle, DoesNotHinderAServiceThatLosesItsView) {
     EXPECT_EQ(oamShadowInit(), OAM_SUCCESS);
     EXPECT_EQ(Change("Renamed", "Name", "Again"), OAM_SUCCESS);
     EXPECT_THAT(segment.Names(), ElementsAre("Again"));
+}
+
+// Who holds the segment's lock may use the shadow all the same, whoever else waits for it.
+TEST_F(ShadowLifecycle, AThreadThatWaitsHoldsUpNobodyWhoHoldsTheLock) {
+    AddBoard();
+    Start();
+    CKorMutex lock(0, kLockName);
+    ASSERT_TRUE(lock.Lock(0xFFFFFFFF));
+    Elsewhere<Answer> reader([] { return At(0); });
+    EXPECT_TRUE(reader.IsHeldBack());
+    EXPECT_EQ(At(0), Is("Board"));
+    EXPECT_NE(oamShadowGetPtr(), nullptr);
+    lock.Unlock();
+    EXPECT_TRUE(reader.IsDone());
+    EXPECT_EQ(reader.Get(), Is("Board"));
+}
+
+TEST_F(ShadowLifecycle, GivenUpDuringAReadItIsThereUntilTheReadersEnd) {
+    AddBoard();
+    Start();
+    CKorMutex lock(0, kLockName);
+    ASSERT_TRUE(lock.Lock(0xFFFFFFFF));
+    Elsewhere<Answer> reader([] { return At(0); });
+    EXPECT_TRUE(reader.IsHeldBack());
+    EXPECT_EQ(oamShadowExit(), OAM_SUCCESS);
+    EXPECT_EQ(At(0), Fails(OAMERR_NOT_ENOUGH_MEMORY));
+    lock.Unlock();
+    EXPECT_TRUE(reader.IsDone());
+    EXPECT_EQ(reader.Get(), Is("Board"));
+    EXPECT_EQ(oamShadowInit(), OAM_SUCCESS);
 }
 
 }  // namespace

@@ -184,9 +184,9 @@ TEST_F(ShadowProcesses, ManyThreadsMayReadWhileTheServiceWrites) {
             for (int round = 0; round < 2000; ++round) {
                 char driver[129] = "";
                 char id[65] = "";
-                EXPECT_EQ(oamShadowBoardGetDriverIDs(0, "Board", driver, sizeof driver, id,
-                                                     sizeof id),
-                          OAM_SUCCESS);
+                EXPECT_EQ(
+                    oamShadowBoardGetDriverIDs(0, "Board", driver, sizeof driver, id, sizeof id),
+                    OAM_SUCCESS);
                 EXPECT_STREQ(driver, id);
             }
         });

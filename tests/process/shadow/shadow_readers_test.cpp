@@ -87,7 +87,8 @@ TEST_F(ShadowReaders, NeedRoomForTheTerminator) {
 }
 
 TEST_F(ShadowReaders, FindTheFirstBoardOfANumber) {
-    Publish({{"alpha", 7, "", "", false}, {"bravo", 4294967295u, "", "", false},
+    Publish({{"alpha", 7, "", "", false},
+             {"bravo", 4294967295u, "", "", false},
              {"charlie", 7, "", "", false}});
     EXPECT_EQ(ByNumber(7), Is("alpha"));
     EXPECT_EQ(ByNumber(4294967295u), Is("bravo"));
@@ -95,7 +96,8 @@ TEST_F(ShadowReaders, FindTheFirstBoardOfANumber) {
 }
 
 TEST_F(ShadowReaders, FindTheFirstBoardOfBothDriverTextsInAnyCase) {
-    Publish({{"alpha", 0, "Drv", "1", false}, {"bravo", 1, "drv", "Two", false},
+    Publish({{"alpha", 0, "Drv", "1", false},
+             {"bravo", 1, "drv", "Two", false},
              {"charlie", 2, "DRV", "two", false}});
     EXPECT_EQ(ByDriverIDs("dRV", "TWO"), Is("bravo"));
     EXPECT_EQ(ByDriverIDs("drv", "1"), Is("alpha"));
@@ -176,9 +178,9 @@ TEST_F(ShadowReaders, IgnoreTheirFirstArgument) {
         EXPECT_EQ(oamShadowBoardLookupByDriverIDs(ignored, "d", "i", text, sizeof text),
                   OAM_SUCCESS);
         EXPECT_EQ(oamShadowBoardGetNumber(ignored, "Board", &number), OAM_SUCCESS);
-        EXPECT_EQ(oamShadowBoardGetDriverIDs(ignored, "Board", text, sizeof text, other,
-                                             sizeof other),
-                  OAM_SUCCESS);
+        EXPECT_EQ(
+            oamShadowBoardGetDriverIDs(ignored, "Board", text, sizeof text, other, sizeof other),
+            OAM_SUCCESS);
         EXPECT_EQ(oamShadowBoardGetIsUsingVxPlugin(ignored, &flag), OAM_SUCCESS);
         EXPECT_EQ(oamShadowBoardIsUsingALaw(ignored, "Board", &flag), OAM_SUCCESS);
         EXPECT_TRUE(flag);

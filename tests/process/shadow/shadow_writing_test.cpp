@@ -123,9 +123,9 @@ TEST_F(ShadowWriting, CutsTheDriverBoardIdTo64Characters) {
     EXPECT_EQ(oamShadowBoardLookupByDriverIDs(0, std::string(127, 'd').c_str(),
                                               id.substr(0, 64).c_str(), name, sizeof name),
               OAM_SUCCESS);
-    EXPECT_EQ(_oamBoardLookupByDriverIDs(std::string(127, 'd').c_str(), id.c_str(), name,
-                                         sizeof name),
-              OAM_SUCCESS);
+    EXPECT_EQ(
+        _oamBoardLookupByDriverIDs(std::string(127, 'd').c_str(), id.c_str(), name, sizeof name),
+        OAM_SUCCESS);
 }
 
 TEST_F(ShadowWriting, PublishesANameOf127Characters) {
