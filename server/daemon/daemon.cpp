@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <fstream>
+#include <future>
 #include <sstream>
 
 #include "alerts/alert_writer.h"
@@ -110,20 +111,17 @@ class Daemon {
 
     ~Daemon() {
         // A plug-in that hangs does not keep the alerts from the disk.
-        if (!lanes_.Alone(kGrace, [this] { host_.Stop(); })) {
-            journal_.Say(Priority::kError, "a call does not end; ending without it");
-            CloseBook();
-            _exit(kFailed);
-        }
+        if (!lanes_.Alone(kGrace, [this] { host_.Stop(); })) EndWithoutCall();
         CloseBook();
     }
 
     void Serve(const Signals& signals, Notifier& notifier) {
         calls_.SetRoles(readRoles(settings_, place_));
-        notifier.Status("starting the service");
-        control_.Start();
         TransportSettings where{settings_.socketPath, Notifier::InheritedSocket(),
                                 settings_.tcpAddress, settings_.tls};
+        notifier.Status("starting the service");
+        control_.Start();
+        notifier.Status("opening the listeners");
         if (where.socketPath.empty()) where.socketPath = wire::SocketPath(place_.Directory());
         Transport transport(where, callers_,
                             {&objects_, &boards_, &operationsService_, &alerts_,
@@ -139,10 +137,18 @@ class Daemon {
         notifier.Stopping();
         journal_.Say(Priority::kNotice, "ending");
         transport.SetServing(false);
-        transport.Shutdown(kGrace);
+        // gRPC waits for every call, also for one in a plug-in that hangs.
+        auto closed = std::async(std::launch::async, [&transport] { transport.Shutdown(kGrace); });
+        if (closed.wait_for(2 * kGrace) != std::future_status::ready) EndWithoutCall();
     }
 
   private:
+    [[noreturn]] void EndWithoutCall() {
+        journal_.Say(Priority::kError, "a call does not end; ending without it");
+        CloseBook();
+        _exit(kFailed);
+    }
+
     static constexpr const char* kBook = "/oam/oamd.db";
 
     static StoreWriter::Complain ComplainTo(Journal& journal) {
@@ -232,12 +238,15 @@ int RunDaemon(const Settings& settings) {
             settings.directory.empty() ? std::nullopt : std::optional(settings.directory));
         place.RequireReady(R_OK | W_OK | X_OK);
         const LockFile lock(place, "oamd");
+        notifier.Status("reading what was kept");
         Daemon(settings, place, journal).Serve(signals, notifier);
         return kDone;
     } catch (const Failure& failure) {
+        notifier.Status(std::string("failed: ") + failure.what());
         journal.Say(Priority::kError, failure.what());
         if (!failure.Advice().empty()) journal.Say(Priority::kError, failure.Advice());
     } catch (const std::exception& error) {
+        notifier.Status(std::string("failed: ") + error.what());
         journal.Say(Priority::kError, error.what());
     }
     return kFailed;
