@@ -6,6 +6,8 @@
 #include <unistd.h>
 
 #include <fstream>
+#include <regex>
+#include <set>
 #include <sstream>
 
 #include "tool_test.h"
@@ -30,9 +32,24 @@ std::vector<std::string> examplesIn(const std::string& text, const std::string& 
     return examples;
 }
 
-std::string readManual() {
-    std::ifstream file(OAM_MANUAL);
+std::string read(const std::string& path) {
+    std::ifstream file(path);
     return {std::istreambuf_iterator<char>(file), {}};
+}
+
+std::string readManual() { return read(OAM_MANUAL); }
+
+// From a heading, or what it begins with, to the next one.
+std::string sectionOf(const std::string& manual, const std::string& heading) {
+    size_t begin = manual.find('\n' + heading + ' ');
+    if (begin == std::string::npos) begin = manual.find('\n' + heading + '\n');
+    if (begin == std::string::npos) return {};
+    return manual.substr(begin, manual.find("\n##", begin + 1) - begin);
+}
+
+std::set<std::string> optionsIn(const std::string& text) {
+    const std::regex option("--[a-z][a-z-]*");
+    return {std::sregex_token_iterator(text.begin(), text.end(), option), {}};
 }
 
 void replace(std::string* text, const std::string& from, const std::string& to) {
@@ -133,6 +150,56 @@ TEST_F(ToolExamples, OfTheManualWork) {
     const auto examples = examplesIn(readManual(), "    ");
     EXPECT_GT(examples.size(), 20u);
     for (const std::string& example : examples) RunInAnInstallation(example);
+}
+
+TEST_F(ToolExamples, OfTheManPagesWork) {
+    std::set<std::string> examples;
+    for (const char* directory : {OAM_MAN_PAGES, OAM_MADE_MAN_PAGES})
+        for (const auto& entry : std::filesystem::directory_iterator(directory))
+            if (entry.path().extension() == ".scd")
+                for (const std::string& example : examplesIn(read(entry.path()), "$ "))
+                    examples.insert(example);
+    // Those of the manual are in its man page, and tried above.
+    const auto manual = examplesIn(readManual(), "    ");
+    for (const std::string& example : manual) EXPECT_EQ(examples.erase(example), 1u) << example;
+    EXPECT_FALSE(examples.empty());
+    for (const std::string& example : examples) RunInAnInstallation(example);
+}
+
+TEST_F(ToolExamples, OptionsOfEveryCommandAreThoseOfTheManual) {
+    const std::string manual = readManual();
+    const auto everywhere = optionsIn(sectionOf(manual, "## Options"));
+    for (const Words& command : AllCommands()) {
+        if (!Commands(command).empty()) continue;
+        std::string heading = "### oam";
+        for (const std::string& word : command) heading += ' ' + word;
+        Words help = command;
+        help.push_back("--help");
+        auto explained = optionsIn(Out(help));
+        auto told = optionsIn(sectionOf(manual, heading));
+        for (const std::string& option : everywhere) {
+            explained.erase(option);
+            told.erase(option);
+        }
+        EXPECT_EQ(told, explained) << heading;
+    }
+    EXPECT_THAT(optionsIn(Out({"--help"})), ::testing::IsSubsetOf(everywhere));
+}
+
+TEST_F(ToolExamples, TheManualTellsOfNoOtherCommand) {
+    std::set<std::string> known;
+    for (const Words& command : AllCommands()) {
+        std::string title = "oam";
+        for (const std::string& word : command) title += ' ' + word;
+        known.insert(title);
+    }
+    for (std::string line : linesOf(readManual())) {
+        if (!line.starts_with("### ")) continue;
+        line.erase(0, 4);
+        while (!known.contains(line) && line.find(' ') != std::string::npos)
+            line.erase(line.rfind(' '));
+        EXPECT_NE(line, "oam") << "a heading of no command";
+    }
 }
 
 TEST_F(ToolExamples, TheManualTellsOfEveryCommand) {
