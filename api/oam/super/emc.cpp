@@ -16,7 +16,9 @@ std::atomic<bool> s_bEmcCommIsRunning{false};
 template <class Access>
 oam_result accessComponent(const char* name, Access access) noexcept {
     ComponentEntries entries;
-    return components().EntriesOf(name, &entries) ? access(entries) : OAMERR_NOT_FOUND;
+    if (!components().EntriesOf(name, &entries)) return OAMERR_NOT_FOUND;
+    entries.mark.about = name;
+    return access(entries);
 }
 
 }  // namespace

@@ -86,6 +86,7 @@ TEST_F(Plugins, EveryEntryIsBoundToItsOwnSymbol) {
     EXPECT_EQ(pluginsInit(), OAM_SUCCESS);
     PluginEntries entries;
     ASSERT_TRUE(plugins().EntriesOf("x.bpi", &entries));
+    EXPECT_EQ(entries.object.mark.module, KorMarkedModule("x.bpi"));
     EXPECT_EQ(entries.DetectBoards(), OAM_SUCCESS);
     EXPECT_EQ(entries.CreateBoard("c", "p"), OAM_SUCCESS);
     EXPECT_EQ(entries.DestroyBoard("d"), OAM_SUCCESS);
@@ -146,6 +147,24 @@ TEST_F(Plugins, AllAreExitedInNameOrderAndTheLastFailureCounts) {
 template <class... Parameters>
 unsigned throwing(Parameters...) {
     throw 5;
+}
+
+unsigned lookingEntry(const char*) {
+    KorCallInside call;
+    for (unsigned mark = 0; mark < kKorMarks; ++mark)
+        if (KorCallAt(mark, &call)) return std::string(call.about) == "Board 3" ? 1 : 2;
+    return 3;
+}
+
+TEST(PluginEntries, MarkEachCallWithItsBoard) {
+    PluginEntries entries;
+    entries.startBoard = &lookingEntry;
+    entries.SetModule(KorMarkedModule("marked.bpi"));
+    EXPECT_EQ(entries.StartBoard("Board 3"), oam_result(1));
+    KorEntryUse use;
+    ASSERT_TRUE(KorUseAt(entries.object.mark.module, oam::kStartBoardEntry.number, &use));
+    EXPECT_STREQ(use.module, "marked.bpi");
+    EXPECT_EQ(use.calls, 1u);
 }
 
 TEST(PluginEntries, TurnWhatIsThrownIntoAFailure) {

@@ -111,6 +111,34 @@ TEST(ObjectEntries, TurnWhatIsThrownIntoAFailure) {
     EXPECT_EQ(entries.GetQualifier(1, "k", "q", nullptr, 0), OAM_REASON_FAILED);
 }
 
+// What the marks tell while an entry runs.
+KorCallInside seen;
+
+unsigned lookingEntry(unsigned long, unsigned) {
+    for (unsigned mark = 0; mark < kKorMarks; ++mark)
+        if (KorCallAt(mark, &seen)) return 1;
+    return 2;
+}
+
+TEST(ObjectEntries, MarkEachCallWithItsModuleEntryAndObject) {
+    ObjectEntries entries{.openObject = &lookingEntry};
+    entries.mark = {KorMarkedModule("marked.emc"), "Board 3"};
+    ASSERT_EQ(entries.OpenObject(1, 0), oam_result(1));
+    EXPECT_STREQ(seen.module, "marked.emc");
+    EXPECT_STREQ(seen.entry, "OpenObject");
+    EXPECT_STREQ(seen.about, "Board 3");
+    KorEntryUse use;
+    ASSERT_TRUE(KorUseAt(entries.mark.module, kOpenObjectEntry.number, &use));
+    EXPECT_EQ(use.calls, 1u);
+    for (unsigned mark = 0; mark < kKorMarks; ++mark) EXPECT_FALSE(KorCallAt(mark, &seen));
+}
+
+TEST(ObjectEntries, LeaveNoMarkOfACallThatThrows) {
+    const ObjectEntries entries{.openObject = &throwing};
+    EXPECT_EQ(entries.OpenObject(1, 0), OAM_REASON_FAILED);
+    for (unsigned mark = 0; mark < kKorMarks; ++mark) EXPECT_FALSE(KorCallAt(mark, &seen));
+}
+
 // A module whose entries do what a test says, most of them by entering themselves again.
 std::function<unsigned()> inside;
 int entered = 0;

@@ -65,6 +65,7 @@ class TableLoader final : public ModuleLoader {
         if (auto failed = OpenLibrary(flag_, fileName, &library)) return failed;
         Entries entries;
         const oam_result bound = BindEntries(library, rows_, kRows, &entries);
+        entries.SetModule(KorMarkedModule(fileName));
         (void)table_.Bind(fileName, entries);  // also in part: what has an Exit is exited
         return bound;
     }

@@ -5,6 +5,7 @@
 // a call runs: libraries are never unloaded, so the copy stays good.
 #pragma once
 
+#include "loading/entry_names.h"
 #include "oam/component.h"
 
 namespace oam {
@@ -19,6 +20,7 @@ struct ObjectEntries {
     oam_component_set_keyword* setKeyword = nullptr;
     oam_component_get_keyword* getKeyword = nullptr;
     oam_component_get_qualifier* getQualifier = nullptr;
+    ModuleMark mark{};
 
     // Each calls its entry, which must be bound; an exception is OAM_REASON_FAILED.
     oam_result Init(const char* fileName) const noexcept;

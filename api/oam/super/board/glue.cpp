@@ -18,6 +18,7 @@ template <class Access>
 oam_result accessBoard(const char* board, Access access) noexcept {
     PluginEntries entries;
     if (!getPluginFromBoardName(board, &entries)) return OAMERR_NOT_FOUND;
+    entries.object.mark.about = board;
     return access(entries.object);
 }
 
@@ -25,6 +26,7 @@ template <class Access>
 oam_result accessPlugin(const char* plugin, Access access) noexcept {
     PluginEntries entries;
     if (!plugins().EntriesOf(plugin, &entries)) return OAMERR_NOT_FOUND;
+    entries.object.mark.about = plugin;
     return access(entries.object);
 }
 

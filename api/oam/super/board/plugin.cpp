@@ -39,7 +39,8 @@ const oam::EntryRow kEntries[] = {
     {PLUGIN_ENTRY("SendBuffer", sendBuffer), nullptr},
     {PLUGIN_ENTRY("GetBoardStatus", getBoardStatus), fallback(&defaultGetBoardStatus)},
 };
-static_assert(std::size(kEntries) * sizeof(void*) == sizeof(PluginEntries));
+static_assert(std::size(kEntries) * sizeof(void*) + sizeof(oam::ModuleMark) ==
+              sizeof(PluginEntries));
 
 constexpr oam::LoaderTexts kTexts = {
     ".bpi",

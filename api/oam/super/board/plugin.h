@@ -19,6 +19,7 @@ struct PluginEntries {
 
     const oam::ObjectEntries& Object() const noexcept { return object; }
     bool IsBound() const noexcept { return getBoardStatus != nullptr; }  // the last to be bound
+    void SetModule(unsigned number) noexcept { object.mark.module = number; }
 
     // Each calls its entry; an exception is OAM_REASON_FAILED.
     oam_result DetectBoards() const noexcept;

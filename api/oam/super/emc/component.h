@@ -6,6 +6,7 @@
 struct ComponentEntries : oam::ObjectEntries {
     const oam::ObjectEntries& Object() const noexcept { return *this; }
     bool IsBound() const noexcept { return exit != nullptr && getQualifier != nullptr; }
+    void SetModule(unsigned number) noexcept { mark.module = number; }
 };
 
 using CEmc = oam::Module<ComponentEntries>;
