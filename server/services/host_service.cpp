@@ -70,14 +70,11 @@ grpc::ServerUnaryReactor* HostService::ListModules(grpc::CallbackServerContext* 
     });
 }
 
-// Not in the lanes, which may be what is wrong.
+// Reads files, and must answer while every thread of the lanes hangs.
 grpc::ServerUnaryReactor* HostService::Diagnose(grpc::CallbackServerContext* context,
                                                 const v1::DiagnoseRequest*,
                                                 v1::DiagnoseResponse* response) {
-    auto* const reactor = context->DefaultReactor();
-    Call call;
-    const grpc::Status admitted = core_.calls.Admit(*context, kDiagnose, "", &call);
-    if (admitted.ok()) {
+    return core_.calls.TakeAside(context, kDiagnose, [=, this](const Call&) {
         for (const Complaint& complaint : Examine(core_)) {
             auto* const told = response->add_findings();
             told->set_severity(severityOf(complaint.severity));
@@ -85,9 +82,8 @@ grpc::ServerUnaryReactor* HostService::Diagnose(grpc::CallbackServerContext* con
             told->set_text(complaint.text);
             told->set_remedy(complaint.remedy);
         }
-    }
-    reactor->Finish(admitted);
-    return reactor;
+        return grpc::Status::OK;
+    });
 }
 
 grpc::ServerUnaryReactor* HostService::StartService(grpc::CallbackServerContext* context,

@@ -18,6 +18,9 @@ constexpr std::size_t kLongestText = 64 * 1024;
 // How long work that is to be alone waits for what runs.
 constexpr auto kPatience = std::chrono::seconds(30);
 
+// For work aside: it waits for nothing but a disk.
+constexpr Lanes::Limits kAside = {.threads = 2, .waitingPerLane = 16, .waiting = 16};
+
 // The end of one call: whoever forgets to answer has answered.
 class Answer {
   public:
@@ -65,7 +68,8 @@ Calls::Calls(const Callers& callers, Lanes& lanes, Journal& journal)
     : callers_(callers),
       lanes_(lanes),
       journal_(journal),
-      roles_(std::make_shared<const Roles>()) {}
+      roles_(std::make_shared<const Roles>()),
+      aside_(kAside) {}
 
 Calls::~Calls() {
     if (aloneThread_.joinable()) aloneThread_.join();
@@ -96,12 +100,22 @@ grpc::Status Calls::Admit(const grpc::ServerContextBase& context, const Verb& ve
 
 grpc::ServerUnaryReactor* Calls::Take(grpc::CallbackServerContext* context, const Verb& verb,
                                       const std::string& lane, Work work) {
+    return TakeIn(lanes_, context, verb, lane, std::move(work));
+}
+
+grpc::ServerUnaryReactor* Calls::TakeAside(grpc::CallbackServerContext* context, const Verb& verb,
+                                           Work work) {
+    return TakeIn(aside_, context, verb, "", std::move(work));
+}
+
+grpc::ServerUnaryReactor* Calls::TakeIn(Lanes& lanes, grpc::CallbackServerContext* context,
+                                        const Verb& verb, const std::string& lane, Work work) {
     auto* const reactor = context->DefaultReactor();
     Call call;
     const grpc::Status admitted = Admit(*context, verb, lane, &call);
     if (admitted.ok())
-        Start(call, verb, lane, std::move(work),
-              [reactor](const grpc::Status& status) { reactor->Finish(status); });
+        StartIn(lanes, call, verb, lane, std::move(work),
+                [reactor](const grpc::Status& status) { reactor->Finish(status); });
     else
         reactor->Finish(admitted);
     return reactor;
@@ -109,8 +123,13 @@ grpc::ServerUnaryReactor* Calls::Take(grpc::CallbackServerContext* context, cons
 
 void Calls::Start(const Call& call, const Verb& verb, const std::string& lane, Work work,
                   std::function<void(const grpc::Status&)> tell) {
+    StartIn(lanes_, call, verb, lane, std::move(work), std::move(tell));
+}
+
+void Calls::StartIn(Lanes& lanes, const Call& call, const Verb& verb, const std::string& lane,
+                    Work work, std::function<void(const grpc::Status&)> tell) {
     const auto answer = std::make_shared<Answer>(std::move(tell));
-    const auto refusal = lanes_.Post(verb.name, lane, [answer, call, work = std::move(work)] {
+    const auto refusal = lanes.Post(verb.name, lane, [answer, call, work = std::move(work)] {
         answer->Give(guarded(work, call));
     });
     if (refusal)

@@ -51,6 +51,11 @@ class Calls {
     grpc::ServerUnaryReactor* Take(grpc::CallbackServerContext* context, const Verb& verb,
                                    const std::string& lane, Work work);
 
+    // The same for work that asks the service for nothing and must be done while all of the lanes
+    // hang.
+    grpc::ServerUnaryReactor* TakeAside(grpc::CallbackServerContext* context, const Verb& verb,
+                                        Work work);
+
     // The same for calls that answer in their own way: `answer` is called once.
     void Start(const Call& call, const Verb& verb, const std::string& lane, Work work,
                std::function<void(const grpc::Status&)> answer);
@@ -61,6 +66,11 @@ class Calls {
                     std::function<void(const grpc::Status&)> answer);
 
   private:
+    grpc::ServerUnaryReactor* TakeIn(Lanes& lanes, grpc::CallbackServerContext* context,
+                                     const Verb& verb, const std::string& lane, Work work);
+    static void StartIn(Lanes& lanes, const Call& call, const Verb& verb, const std::string& lane,
+                        Work work, std::function<void(const grpc::Status&)> answer);
+
     const Callers& callers_;
     Lanes& lanes_;
     Journal& journal_;
@@ -70,6 +80,7 @@ class Calls {
     std::mutex aloneMutex_;
     std::thread aloneThread_;
     bool isAlone_ = false;
+    Lanes aside_;
 };
 
 // A name or value of a request: bytes without NUL, and not longer than any that the service keeps;

@@ -1,5 +1,7 @@
 #include "work/lanes.h"
 
+#include <unistd.h>
+
 #include <algorithm>
 #include <condition_variable>
 #include <list>
@@ -120,6 +122,10 @@ std::string Lanes::State::BeginReady() {
 
 void Lanes::State::Work(Jobs::iterator job) {
     for (bool goesOn = true; goesOn;) {
+        {
+            const Lock lock(mutex);
+            job->facts.thread = gettid();
+        }
         job->task();
         job->task = nullptr;  // what it holds ends before its lane is free
         Jobs left;
@@ -172,7 +178,7 @@ std::optional<Lanes::Refusal> Lanes::Post(const std::string& what, const std::st
                                           std::function<void()> task) {
     // Declared before the lock: what is refused is destroyed without it.
     Jobs posted;
-    posted.push_back({{what, lane, {}}, std::move(task), {}});
+    posted.push_back({{what, lane, {}, 0}, std::move(task), {}});
     const auto job = posted.begin();
     const Lock lock(state_->mutex);
     if (state_->isEnding) return Refusal{"the daemon ends"};

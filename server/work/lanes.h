@@ -36,6 +36,7 @@ class Lanes {
         std::string what;  // "GetBoardStatus"
         std::string lane;
         std::chrono::steady_clock::time_point since;
+        int thread = 0;  // as the kernel numbers threads; 0: it is just beginning
     };
 
     // Why a task was not taken: who holds its lane, or (lane full of nobody) all threads.

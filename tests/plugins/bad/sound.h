@@ -15,6 +15,7 @@
 #undef StartBoard
 #undef StopBoard
 #undef TestBoard
+#undef SendBuffer
 
 extern "C" {
 OAM_ENTRY oam_plugin_init Init;
