@@ -17,6 +17,7 @@
 #include "installation.h"
 #include "journal/journal.h"
 #include "lock_file.h"
+#include "metrics/metrics_listener.h"
 #include "operations/operation_store.h"
 #include "services/alerts_service.h"
 #include "services/boards_service.h"
@@ -123,16 +124,19 @@ class Daemon {
         control_.Start();
         notifier.Status("opening the listeners");
         if (where.socketPath.empty()) where.socketPath = wire::SocketPath(place_.Directory());
+        where.requests = &requests_;
         Transport transport(where, callers_,
                             {&objects_, &boards_, &operationsService_, &alerts_,
                              &configurationService_, &hostService_, &sessionsService_});
+        const auto metricsListener = ServeMetrics();
         transport.SetServing(true);
         notifier.Ready();
         journal_.Say(Priority::kNotice,
                      std::string("oamd ") + kVersion + " serves " + place_.Directory() + " at " +
                          where.socketPath +
                          (transport.Port() ? " and TCP port " + std::to_string(transport.Port())
-                                           : std::string()));
+                                           : std::string()) +
+                         (metricsListener ? ", metrics at " + metricsListener->Address() : ""));
         Wait(signals, notifier);
         notifier.Stopping();
         journal_.Say(Priority::kNotice, "ending");
@@ -154,6 +158,12 @@ class Daemon {
     static StoreWriter::Complain ComplainTo(Journal& journal) {
         return
             [&journal](const std::string& complaint) { journal.Say(Priority::kError, complaint); };
+    }
+
+    std::unique_ptr<MetricsListener> ServeMetrics() {
+        if (settings_.metricsAddress.empty()) return nullptr;
+        return std::make_unique<MetricsListener>(ListenAddress::Parse(settings_.metricsAddress),
+                                                 [this] { return metrics_.Text(); });
     }
 
     // The daemon goes on without its book.
@@ -225,6 +235,10 @@ class Daemon {
     ConfigurationService configurationService_{core_};
     HostService hostService_{core_};
     SessionsService sessionsService_;
+    RequestCounts requests_;
+    Metrics metrics_{{ring_, alertWriter_, host_.Alerts(), operations_, requests_, lanes_,
+                      [this] { return host_.IsRunning(); }, [this] { return alerts_.Watchers(); },
+                      [this] { return sessions_.Count(); }, kVersion}};
 };
 
 }  // namespace

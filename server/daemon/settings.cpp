@@ -40,6 +40,8 @@ std::optional<Settings> ReadSettings(int argc, char** argv, int* status) {
     auto* const authorities = app.add_option("--client-authorities", settings.tls.clientAuthorities,
                                              "Who signs the clients' certificates, PEM");
     listen->needs(certificate)->needs(key)->needs(authorities);
+    app.add_option("--metrics", settings.metricsAddress,
+                   "Serve metrics for Prometheus at PORT of the loopback, or at HOST:PORT");
     app.add_option("--alerts-kept", settings.alertsKept, "How many alerts are kept on disk")
         ->check(CLI::Range(1000U, 100000000U))
         ->capture_default_str();

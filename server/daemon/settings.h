@@ -13,6 +13,7 @@ struct Settings {
     std::string rolesFile;  // empty: "<directory>/oam/roles.conf" when there is one
     std::string tcpAddress;
     TlsFiles tls;
+    std::string metricsAddress;  // empty: none
     unsigned alertsKept = 100000;
     std::string socketPath;  // empty: "<directory>/oam/oamd.sock"
 };

@@ -5,6 +5,7 @@
 #include <optional>
 
 #include "foreign_text.h"
+#include "library/own_codes.h"
 #include "oam/entry.h"
 
 namespace oam::server {
@@ -13,18 +14,6 @@ namespace {
 constexpr auto kMoment = std::chrono::milliseconds(200);
 // A plug-in that makes up codes must not fill the memory.
 constexpr std::size_t kMost = 10000;
-
-const char* ownName(std::uint32_t code) {
-    switch (code) {
-#define OAM_CODE(name, value) \
-    case value:               \
-        return #name;
-#include "oam/codes.def"
-#undef OAM_CODE
-        default:
-            return nullptr;
-    }
-}
 
 }  // namespace
 
@@ -36,7 +25,7 @@ struct CodeNames::Names {
 };
 
 std::string CodeNames::Of(std::uint32_t code) {
-    if (const char* name = ownName(code)) return name;
+    if (const char* name = OwnCodeName(code)) return name;
     std::shared_ptr<Names> names;
     {
         const std::lock_guard hold(mutex_);

@@ -43,6 +43,7 @@ unsigned ServiceHost::Receive(unsigned long client, const oam_msg_tag* message) 
 }
 
 void ServiceHost::Take(unsigned long client, const oam_msg_tag& message) noexcept {
+    if (client == OAM_INTERNAL_CLIENT) alerts_.Note(message.code, message.severity);
     std::optional<StoredAlert> alert;
     try {
         alert = ReadAlert(message);

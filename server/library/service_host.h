@@ -11,6 +11,7 @@
 #include <string>
 
 #include "alerts/alert_ring.h"
+#include "metrics/alert_counts.h"
 #include "oam/message.h"
 #include "operations/operation_book.h"
 
@@ -35,6 +36,8 @@ class ServiceHost {
     void Stop();
 
     bool IsRunning() const;
+    // Of the alerts that were for everybody.
+    const AlertCounts& Alerts() const { return alerts_; }
     // Of the last Start.
     unsigned Code() const { return code_; }
     std::chrono::system_clock::time_point Started() const { return started_; }
@@ -45,6 +48,7 @@ class ServiceHost {
 
     AlertRing& ring_;
     OperationBook& operations_;
+    AlertCounts alerts_;
     ToClient toClient_;
     std::atomic<unsigned> code_{0};
     std::atomic<std::chrono::system_clock::time_point> started_{};

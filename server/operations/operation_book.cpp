@@ -156,6 +156,12 @@ void OperationBook::Number(const std::string& id, std::uint64_t sequence) noexce
 void OperationBook::End(Entry& entry, OperationState state) noexcept {
     entry.record.state = state;
     if (state != OperationState::kUnknown) entry.record.ended = std::chrono::system_clock::now();
+    const auto kind = static_cast<std::size_t>(entry.record.kind);
+    ++totals_.ended[kind][static_cast<std::size_t>(state)];
+    if (state == OperationState::kDone || state == OperationState::kFailed) {
+        const std::chrono::duration<double> lasted = *entry.record.ended - entry.record.requested;
+        totals_.durations[kind].Observe(std::max(lasted.count(), 0.0));  // clocks are set back
+    }
     ended_.splice(ended_.end(), running_, entry.place);
 }
 

@@ -22,6 +22,7 @@
 
 #include "alerts/stored_alert.h"
 #include "operations/operation_record.h"
+#include "operations/operation_totals.h"
 
 namespace oam::server {
 
@@ -62,6 +63,9 @@ class OperationBook {
     std::optional<OperationRecord> Find(const std::string& id) const;
     // Newest first; empty `board`: all, else those whose board has or had this name.
     std::vector<OperationRecord> List(bool runningOnly, const std::string& board) const;
+
+    // Those that Load brought are not among them.
+    OperationTotals Totals() const;
 
     // `done` is called once: at once when the operation has ended already, else when it ends or
     // the wait is cancelled. The wait's number, or 0 when it was called at once; nothing, and
@@ -108,6 +112,7 @@ class OperationBook {
     Changes changed_;  // in the order of their last changes
     std::map<std::uint64_t, std::shared_ptr<Entry>> waits_;
     std::uint64_t lastWait_ = 0;
+    OperationTotals totals_;  // but for `running`
 };
 
 }  // namespace oam::server

@@ -37,6 +37,13 @@ std::vector<OperationRecord> OperationBook::List(bool runningOnly, const std::st
     return records;
 }
 
+OperationTotals OperationBook::Totals() const {
+    const std::lock_guard hold(mutex_);
+    OperationTotals totals = totals_;
+    totals.running = running_.size();
+    return totals;
+}
+
 // ---- Waits
 
 std::optional<std::uint64_t> OperationBook::Wait(const std::string& id, Done done) {

@@ -52,6 +52,11 @@ class AlertWatcher : public std::enable_shared_from_this<AlertWatcher> {
         GoLocked();
     }
 
+    std::uint64_t Passed() const {
+        const std::lock_guard hold(mutex_);
+        return passed_;
+    }
+
     void Leave() {
         const std::lock_guard hold(mutex_);
         reactor_ = nullptr;
@@ -132,7 +137,7 @@ class AlertWatcher : public std::enable_shared_from_this<AlertWatcher> {
     Core& core_;
     const Call call_;
     const AlertFilter filter_;
-    std::mutex mutex_;
+    mutable std::mutex mutex_;
     Reactor* reactor_;
     std::deque<v1::WatchAlertsResponse> queue_;  // the first is under way while isWriting_
     std::uint64_t passed_;
@@ -192,6 +197,22 @@ void AlertPump::Remove(const std::shared_ptr<AlertWatcher>& watcher) {
 std::size_t AlertPump::Count() const {
     const std::lock_guard hold(mutex_);
     return watchers_.size();
+}
+
+WatcherFigures AlertPump::Figures() const {
+    std::vector<std::shared_ptr<AlertWatcher>> all;
+    {
+        const std::lock_guard hold(mutex_);
+        all.assign(watchers_.begin(), watchers_.end());
+    }
+    WatcherFigures figures;
+    figures.watchers = all.size();
+    const std::uint64_t newest = ring_.Newest();
+    for (const auto& watcher : all) {
+        const std::uint64_t passed = watcher->Passed();
+        if (passed < newest) figures.longestLag = std::max(figures.longestLag, newest - passed);
+    }
+    return figures;
 }
 
 void AlertPump::Work() {

@@ -15,6 +15,7 @@
 
 #include "alerts/alert_book.h"
 #include "alerts/alert_filter.h"
+#include "metrics/metrics.h"
 #include "oam/v1/alerts.pb.h"
 #include "services/core.h"
 
@@ -31,6 +32,8 @@ class AlertPump {
     void Add(const std::shared_ptr<AlertWatcher>& watcher);
     void Remove(const std::shared_ptr<AlertWatcher>& watcher);
     std::size_t Count() const;
+    // How many there are, and how far the slowest is behind the newest alert.
+    WatcherFigures Figures() const;
 
   private:
     void Work();

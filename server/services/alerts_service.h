@@ -19,7 +19,7 @@ class AlertsService : public v1::Alerts::CallbackService {
                                           const v1::NotifyAlertRequest* request,
                                           v1::NotifyAlertResponse* response) override;
 
-    std::size_t Watchers() const { return pump_.Count(); }
+    WatcherFigures Watchers() const { return pump_.Figures(); }
 
   private:
     Core& core_;

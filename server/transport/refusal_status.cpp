@@ -1,6 +1,7 @@
 #include "transport/refusal_status.h"
 
 #include "foreign_text.h"
+#include "library/own_codes.h"
 #include "oam/entry.h"
 #include "oam/v1/refusal.pb.h"
 
@@ -27,18 +28,6 @@ grpc::StatusCode statusOf(const Failure& failure) {
     }
 }
 
-// Codes of the service's own table; any other is a plug-in's or a component's.
-bool isServiceCode(unsigned code) {
-    switch (code) {
-#define OAM_CODE(name, value) case value:
-#include "oam/codes.def"
-#undef OAM_CODE
-        return true;
-        default:
-            return false;
-    }
-}
-
 grpc::Status statusWith(grpc::StatusCode code, const v1::Refusal& refusal) {
     // The message of a status travels as text; the details keep every byte.
     return {code, Shown(refusal.rule()), refusal.SerializeAsString()};
@@ -48,9 +37,9 @@ grpc::Status statusWith(grpc::StatusCode code, const v1::Refusal& refusal) {
 
 grpc::Status RefusalOf(const Failure& failure) {
     v1::Refusal refusal;
-    refusal.set_party(failure.Code() == 0             ? v1::Refusal::PARTY_DAEMON
-                      : isServiceCode(failure.Code()) ? v1::Refusal::PARTY_SERVICE
-                                                      : v1::Refusal::PARTY_PLUGIN);
+    refusal.set_party(failure.Code() == 0           ? v1::Refusal::PARTY_DAEMON
+                      : OwnCodeName(failure.Code()) ? v1::Refusal::PARTY_SERVICE
+                                                    : v1::Refusal::PARTY_PLUGIN);
     refusal.set_code(failure.Code());
     if (const char* name = failure.Code() ? _oamGetText(failure.Code()) : nullptr)
         refusal.set_code_name(Shown(name));

@@ -8,6 +8,8 @@
 
 #include <stdexcept>
 
+#include "transport/request_counter.h"
+
 namespace oam::server {
 namespace {
 
@@ -39,6 +41,11 @@ Transport::Transport(const TransportSettings& settings, Callers& callers,
     // A remote client whose machine vanished is found out.
     builder.AddChannelArgument(GRPC_ARG_KEEPALIVE_TIME_MS, 30000);
     builder.AddChannelArgument(GRPC_ARG_KEEPALIVE_TIMEOUT_MS, 10000);
+    if (settings.requests != nullptr) {
+        std::vector<std::unique_ptr<grpc::experimental::ServerInterceptorFactoryInterface>> all;
+        all.push_back(NewRequestCounter(*settings.requests));
+        builder.experimental().SetInterceptorCreators(std::move(all));
+    }
     for (grpc::Service* service : services) builder.RegisterService(service);
     if (!settings.tcpAddress.empty())
         builder.AddListeningPort(settings.tcpAddress, mutualTls(settings.tls), &port_);

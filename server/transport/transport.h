@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "metrics/request_counts.h"
 #include "transport/callers.h"
 #include "transport/unix_listener.h"
 
@@ -27,6 +28,7 @@ struct TransportSettings {
     int inheritedSocket = -1;  // of systemd
     std::string tcpAddress;    // "host:port"; empty: none
     TlsFiles tls;
+    RequestCounts* requests = nullptr;  // where calls are counted
 };
 
 class Transport {

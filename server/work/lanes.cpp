@@ -206,6 +206,8 @@ std::size_t Lanes::Waiting() const {
     return state_->waiting.size();
 }
 
+std::size_t Lanes::Threads() const { return state_->limits.threads; }
+
 bool Lanes::Alone(std::chrono::milliseconds limit, const std::function<void()>& alone) {
     // Lets the tasks go on, however this ends.
     struct Hold {

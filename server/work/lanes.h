@@ -51,6 +51,8 @@ class Lanes {
     // Oldest first.
     std::vector<Running> Runs() const;
     std::size_t Waiting() const;
+    // How many may run at once.
+    std::size_t Threads() const;
 
     // Holds new tasks back, waits until none runs (at most `limit`), calls `alone` on this thread,
     // and lets the tasks go on. False, and nothing was called, when the time was over. A task that

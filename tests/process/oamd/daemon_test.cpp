@@ -37,8 +37,10 @@ void DaemonTest::Start(const std::string& chassis) {
 }
 
 void DaemonTest::StartAgain() {
-    daemon = std::make_unique<ChildProcess>(std::vector<std::string>{OAM_DAEMON}, home.Root());
-    daemon->AwaitError("serves ");
+    std::vector<std::string> command{OAM_DAEMON};
+    command.insert(command.end(), options.begin(), options.end());
+    daemon = std::make_unique<ChildProcess>(command, home.Root());
+    where = daemon->AwaitErrorLine("serves ");
 }
 
 void DaemonTest::End() {

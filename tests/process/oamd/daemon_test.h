@@ -66,7 +66,9 @@ class DaemonTest : public ::testing::Test {
     v1::Operation Wait(Client& client, const std::string& id, int seconds) const;
 
     Installation home;
+    std::vector<std::string> options;  // of the daemon
     std::unique_ptr<ChildProcess> daemon;
+    std::string where;  // what it said at its start of where it serves
 };
 
 }  // namespace oam::test

@@ -69,6 +69,16 @@ void ChildProcess::AwaitOutput(const std::string& text) { Await(text, "out"); }
 
 void ChildProcess::AwaitError(const std::string& text) { Await(text, "err"); }
 
+std::string ChildProcess::AwaitErrorLine(const std::string& text) {
+    Await(text, "err");
+    const std::size_t begin = result_.err.find(text);
+    if (begin == std::string::npos) return "";
+    const std::size_t end = begin + text.size();
+    while (result_.err.find('\n', end) == std::string::npos)
+        if (!ReadSome()) break;
+    return result_.err.substr(end, result_.err.find('\n', end) - end);
+}
+
 Finished ChildProcess::Finish() {
     while (ReadSome()) {
     }

@@ -32,6 +32,8 @@ class ChildProcess {
     // Waits until the text has come on standard output or standard error.
     void AwaitOutput(const std::string& text);
     void AwaitError(const std::string& text);
+    // The same; the rest of the line behind the text.
+    std::string AwaitErrorLine(const std::string& text);
     Finished Finish();
 
   private:
