@@ -15,11 +15,13 @@ class Console;
 class Installation;
 class Interruption;
 class Service;
+struct RemoteHost;
 
 struct Context {
     const Installation& place;
     Console& console;
-    std::string title;  // the command line, for the lock's other users
+    std::string title;                 // the command line, for the lock's other users
+    const RemoteHost* host = nullptr;  // the daemon to ask; null: the installation's own, if any
 };
 
 class Command {
@@ -30,12 +32,15 @@ class Command {
     // do not go together.
     virtual void CheckArguments();
     virtual ExitStatus Run(Context& context) = 0;
+    // Whether it can be done on another host.
+    virtual bool ReachesHosts() const { return false; }
 };
 
 // A command that needs the service running.
 class ServiceCommand : public Command {
   public:
     ExitStatus Run(Context& context) final;
+    bool ReachesHosts() const final { return true; }
 
   protected:
     virtual ExitStatus Work(Service& service, Console& console) = 0;
@@ -45,6 +50,7 @@ class ServiceCommand : public Command {
 
     // While it works.
     const Installation& Place() const { return context_->place; }
+    bool IsOnAnotherHost() const { return context_->host != nullptr; }
     bool IsInterrupted() const;
 
   private:

@@ -7,6 +7,7 @@
 #include "arguments.h"
 #include "console.h"
 #include "installation.h"
+#include "remote_host.h"
 
 namespace oam {
 namespace {
@@ -50,6 +51,12 @@ CommandLine::CommandLine() : app_(std::make_unique<CLI::App>(kSummary, "oam")) {
     Arguments arguments(*app_);
     arguments.Optional("--dir", &directory_,
                        "The installation (default: KOR_DIR, else the built-in)", "DIR");
+    arguments.Optional("--host", &host_, "Ask the daemon at HOST:PORT, with mutual TLS",
+                       "HOST:PORT");
+    arguments.Optional("--certificate", &certificate_, "Who asks it, PEM", "FILE");
+    arguments.Optional("--key", &key_, "The certificate's key, PEM", "FILE");
+    arguments.Optional("--authorities", &authorities_, "Who signs the hosts' certificates, PEM",
+                       "FILE");
     arguments.Flag("--json", &json_, "Answer in JSON: one object, or one a line for streams");
     app_->footer(
         "\nExit status: 0 done, 1 refused or failed, 2 wrong use, 3 no daemon,\n"
@@ -105,6 +112,15 @@ ExitStatus CommandLine::RunChosen(const std::string& title) {
     Console console(json_);
     Context context{place, console, title};
     chosen->command->CheckArguments();
+    if (host_ || certificate_ || key_ || authorities_) {
+        if (!host_ || !certificate_ || !key_ || !authorities_)
+            throw UsageError("--host, --certificate, --key and --authorities go together");
+        if (!chosen->command->ReachesHosts())
+            throw UsageError("this is done on the host itself, without --host");
+    }
+    const RemoteHost host{host_.value_or(""), certificate_.value_or(""), key_.value_or(""),
+                          authorities_.value_or("")};
+    if (host_) context.host = &host;
     const ExitStatus status = chosen->command->Run(context);
     console.Flush();
     return status;

@@ -34,6 +34,8 @@ class CommandLine {
     std::unique_ptr<CLI::App> app_;
     std::vector<Choice> choices_;
     std::optional<std::string> directory_;
+    // The last three are needed with the first, and only then.
+    std::optional<std::string> host_, certificate_, key_, authorities_;
     bool json_ = false;
 };
 

@@ -11,7 +11,8 @@ namespace {
 class ObjectsCommand : public ServiceCommand {
   protected:
     ExitStatus Work(Service& service, Console& console) override {
-        const auto files = DataFilesByObject(Place());
+        const auto files =
+            IsOnAnotherHost() ? decltype(DataFilesByObject(Place()))() : DataFilesByObject(Place());
         Table table{{{"name", "NAME"}, {"kind", "KIND"}, {"file", "DATA FILE"}}, {}};
         for (const std::string& name : service.ObjectNames()) {
             const auto file = files.find(name);

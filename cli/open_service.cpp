@@ -14,6 +14,8 @@ namespace {
 
 // Nothing when none listens.
 std::unique_ptr<Service> connect(const Context& context, const Interruption& interruption) {
+    if (context.host != nullptr)
+        return ConnectRemoteHost(*context.host, context.console, interruption);
     try {
         const auto daemon = wire::Connect(wire::SocketPath(context.place.Directory()));
         if (!daemon) return nullptr;

@@ -7,6 +7,7 @@
 #include "console.h"
 #include "file_content.h"
 #include "foreign_text.h"
+#include "remote/host_channel.h"
 #include "remote/remote_alert.h"
 #include "remote/remote_alerts.h"
 #include "remote/remote_daemon.h"
@@ -301,15 +302,25 @@ TransferFile RemoteService::ImportConfiguration(const std::string& file) {
     return judged;
 }
 
+std::unique_ptr<Service> connected(const std::shared_ptr<grpc::Channel>& channel, Console& console,
+                                   const Interruption& interruption, const std::string& host) {
+    auto service = std::make_unique<RemoteService>(channel, console, interruption);
+    const std::string where = service->Greet();
+    console.Whisper("served by " + where + host);
+    return service;
+}
+
 }  // namespace
 
 std::unique_ptr<Service> ConnectRemoteService(int descriptor, Console& console,
                                               const Interruption& interruption) {
-    auto service = std::make_unique<RemoteService>(
-        grpc::CreateInsecureChannelFromFd("oamd", descriptor), console, interruption);
-    const std::string where = service->Greet();
-    console.Whisper("served by " + where);
-    return service;
+    return connected(grpc::CreateInsecureChannelFromFd("oamd", descriptor), console, interruption,
+                     "");
+}
+
+std::unique_ptr<Service> ConnectRemoteHost(const RemoteHost& host, Console& console,
+                                           const Interruption& interruption) {
+    return connected(OpenHostChannel(host), console, interruption, " at " + host.address);
 }
 
 }  // namespace oam

@@ -30,6 +30,7 @@
 #include "store/bell.h"
 #include "store/numbers.h"
 #include "store/store_writer.h"
+#include "transport/tls_check.h"
 #include "version.h"
 #include "wire/local_socket.h"
 
@@ -202,11 +203,23 @@ class Daemon {
     }
 
     // What cannot be read changes nothing.
-    void Reload() try {
-        calls_.SetRoles(readRoles(settings_, place_));
-        journal_.Say(Priority::kNotice, "the roles were read again");
-    } catch (const RolesError& error) {
-        journal_.Say(Priority::kError, std::string(error.what()) + "; the roles stay as they were");
+    void Reload() {
+        try {
+            calls_.SetRoles(readRoles(settings_, place_));
+            journal_.Say(Priority::kNotice, "the roles were read again");
+        } catch (const RolesError& error) {
+            journal_.Say(Priority::kError,
+                         std::string(error.what()) + "; the roles stay as they were");
+        }
+        if (settings_.tcpAddress.empty()) return;
+        // The transport looks at them every second by itself; here is said what is wrong.
+        try {
+            CheckTlsFiles(settings_.tls);
+            journal_.Say(Priority::kNotice, "the certificates are good");
+        } catch (const std::runtime_error& error) {
+            journal_.Say(Priority::kError,
+                         std::string("new connections over TCP may be refused: ") + error.what());
+        }
     }
 
     const Settings& settings_;

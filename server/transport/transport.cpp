@@ -9,6 +9,7 @@
 #include <stdexcept>
 
 #include "transport/request_counter.h"
+#include "transport/tls_check.h"
 
 namespace oam::server {
 namespace {
@@ -47,8 +48,10 @@ Transport::Transport(const TransportSettings& settings, Callers& callers,
         builder.experimental().SetInterceptorCreators(std::move(all));
     }
     for (grpc::Service* service : services) builder.RegisterService(service);
-    if (!settings.tcpAddress.empty())
+    if (!settings.tcpAddress.empty()) {
+        CheckTlsFiles(settings.tls);
         builder.AddListeningPort(settings.tcpAddress, mutualTls(settings.tls), &port_);
+    }
     server_ = builder.BuildAndStart();
     if (!server_ || (!settings.tcpAddress.empty() && port_ == 0))
         throw std::runtime_error("cannot listen at " + settings.tcpAddress);
