@@ -55,11 +55,13 @@ std::vector<Row> AttachRows() {
 }
 
 const std::vector<Row>& AllRows() {
-    static const std::vector<Row> kRows = [] {
-        std::vector<Row> all;
+    // Never freed: a thread that the service detached may have read it last, and has no end that
+    // this process could wait for.
+    static const auto& kRows = *[] {
+        auto* all = new std::vector<Row>;
         for (auto* family : {&AttachRows, &AlertRows, &ObjectRows, &DatabaseRows,
                              &ConfigurationRows, &OperationRows, &QueryRows, &ShadowRows}) {
-            for (const Row& row : family()) all.push_back(row);
+            for (const Row& row : family()) all->push_back(row);
         }
         return all;
     }();
