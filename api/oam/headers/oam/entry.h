@@ -131,9 +131,12 @@ OAM_API oam_result _oamOpenObject(unsigned long client, const char* name, unsign
 
 /* Closes a handle. A read-write handle is committed first: validated (OAMERR_ALREADY_EXISTS for a
  * taken name or board number, OAMERR_NOT_FOUND without a "Name"), saved (OAMERR_FILE_WRITE_ERROR,
- * also for a name that no data file keeps: empty, with '?', '!' or '/' in front, white space at an
- * end, '<', '>' or a backslash) and applied; then OAMEVN_MODIFIED is raised. A refused change is dropped; the handle is closed in
- * every case but one: OAMERR_ACCESS_DENIED inside an entry that was given this handle. */
+ * also for a name with a backslash) and applied; then OAMEVN_MODIFIED is raised. A refused change is
+ * dropped; the handle is closed in every case but one: OAMERR_ACCESS_DENIED inside an entry that was
+ * given this handle.
+ * Kept: names and values are written as they are. With '<' or '>', white space at an end, 2,048
+ * characters, or (a name) '?', '!' or '/' in front, the file cannot be read again and the next start
+ * sets it aside. */
 OAM_API oam_result _oamCloseObject(unsigned long handle) OAM_NOEXCEPT;
 
 /* The same without OAMEVN_MODIFIED. */

@@ -6,7 +6,6 @@
 #include "doors/board.h"
 #include "open_objects.h"
 #include "registry.h"
-#include "xmo_reader.h"
 
 oam_result CArrayPtrsToMObject::CloseObject(unsigned long handle, ClosedObject* closed) noexcept {
     return Close(handle, true, closed);
@@ -75,8 +74,6 @@ oam_result CArrayPtrsToMObject::ReadNewName(KOR_CMObject* object) noexcept {
         pending_.newName[0] = '\0';
         return OAM_SUCCESS;
     }
-    // The next start would not find the object in its file.
-    if (!isLastingName(pending_.newName)) return OAMERR_FILE_WRITE_ERROR;
     // A change of case only finds the object itself.
     if (FindByName(pending_.newName, &pending_.newIndex) &&
         !oam::EqualNoCase(pending_.newName, object->Name())) {

@@ -16,12 +16,6 @@ bool isObjectName(const char* directory) noexcept {
     return *directory != '\0' && strchr(directory, '\\') == nullptr;
 }
 
-bool isLastingName(const char* name) noexcept {
-    const size_t length = strlen(name);
-    return length != 0 && strchr("?!/", name[0]) == nullptr && strpbrk(name, "<>\\") == nullptr &&
-           !isWhite(name[0]) && !isWhite(name[length - 1]);
-}
-
 CXmlImport::~CXmlImport() { (void)Close(); }
 
 int CXmlImport::Open(const char* path, const char* rootName) noexcept {

@@ -15,10 +15,6 @@
 // one nested deeper has a backslash. Neither could be written again.
 bool isObjectName(const char* directory) noexcept;
 
-// Whether an object of this name is read again from its file, where the name is a directory's and a
-// value.
-bool isLastingName(const char* name) noexcept;
-
 class CXmlImport {
   public:
     enum eTokenType {
