@@ -5,7 +5,6 @@
 #include <time.h>
 
 #include <cerrno>
-#include <climits>
 #include <cstdlib>
 #include <cstring>
 #include <string_view>
@@ -63,7 +62,15 @@ void zolSleepMs(unsigned milliseconds) noexcept {
 }
 
 int zolStricmp(const char* left, const char* right) noexcept {
-    return zolStrnicmp(left, right, ULONG_MAX);
+    if (left == nullptr) left = "";
+    if (right == nullptr) right = "";
+    for (;; ++left, ++right) {
+        if (*left == *right) {
+            if (*left == '\0') return 0;
+        } else if (const int difference = fold(*left) - fold(*right)) {
+            return difference;
+        }
+    }
 }
 
 int zolStrnicmp(const char* left, const char* right, unsigned long count) noexcept {

@@ -1,8 +1,8 @@
 // KOR_CMObject, the base class of every managed object.
 //
-// An object is a name, the name of its data file, and its keywords, which are in memory only while
-// it is open: the first opening loads them, the last read-write closing saves them. Readers share;
-// a writer is alone.
+// An object is a name, the name of its data file, and its keywords: the first opening loads them,
+// the last read-write closing saves them. Readers share; a writer is alone. A closed object has
+// none, but may keep what it read for as long as its file stays as it was.
 //
 // Two layers: the public one (Open, SetKeyword, ...) checks the open state and calls the virtual
 // Trap operations, so that a kind of object can compute keywords or pass them to a plug-in; the Db
@@ -11,10 +11,21 @@
 
 #include <utility>
 
+#include "base/file_identity.h"
 #include "oam/entry.h"
 #include "objects/keyword.h"
 
 class CXmlExport;
+class DataFileImage;
+class KOR_CMObject;
+
+// An object's place among those that keep their keywords while closed (config/kept_keywords.h).
+struct KeptLink {
+    KeptLink* before = nullptr;
+    KeptLink* after = nullptr;
+    KOR_CMObject* object = nullptr;  // null: the object keeps none
+    size_t bytes = 0;
+};
 
 class KOR_CMObject {
   public:
@@ -70,8 +81,14 @@ class KOR_CMObject {
     // ---- Storage. OAMERR_NOT_ENOUGH_MEMORY when the file's path does not fit.
 
     // OAMERR_NOT_FOUND without a file, OAMERR_FILE_READ_ERROR for a spoiled one; entries read
-    // before a failure stay.
+    // before a failure stay. Reads nothing when the object kept the keywords of a file that has not
+    // changed since.
     oam_result Load() noexcept;
+    // Keeps what was read of this object's data file, when that can be known again.
+    void KeepFrom(DataFileImage* image) noexcept;
+    KeptLink* Kept() noexcept { return &kept_; }
+    // Gives up what a closed object keeps.
+    void DropKept() noexcept;
     // OAMERR_FILE_WRITE_ERROR. The file is the old or the new one, whenever the machine stops.
     oam_result Save() noexcept;
     // This object's directory in an export that is open already.
@@ -123,6 +140,7 @@ class KOR_CMObject {
     oam_result AskToOpen(unsigned long handle, unsigned mode) noexcept;
     struct DataFilePath;
     oam_result BuildPath(DataFilePath* path) const noexcept;
+    bool IsUnchanged(const char* path) const noexcept;
     oam_result ReadFile(const char* path) noexcept;
     oam_result LoadKeyword(const char* name, const char* value) noexcept;
     oam_result WriteFile(const char* path, bool sync) noexcept;
@@ -135,6 +153,9 @@ class KOR_CMObject {
     bool beingCreated_ = false;
     bool beingRemoved_ = false;
     bool isComplete_ = false;
+    // Of the file that holds just these keywords; unknown otherwise.
+    oam::FileIdentity loadedFrom_;
+    KeptLink kept_;
 };
 
 // The default of one of eight qualifiers, whatever the keyword; OAMERR_NOT_FOUND for any other.

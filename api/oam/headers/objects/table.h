@@ -42,6 +42,18 @@ class PointerArray {
         return OAM_SUCCESS;
     }
 
+    // Takes over so many records, of which at(index) gives each, in place of none.
+    template <class At>
+    oam_result InsertAll(int count, At at) noexcept {
+        const int capacity = (count + growBy_ - 1) / growBy_ * growBy_;
+        Record** items = new (std::nothrow) Record*[static_cast<size_t>(capacity)];
+        if (items == nullptr) return OAMERR_NOT_ENOUGH_MEMORY;
+        for (int i = 0; i < count; ++i) items[i] = at(i);
+        Replace(items, capacity);
+        count_ = count;
+        return OAM_SUCCESS;
+    }
+
     // Takes the record out without freeing it.
     oam_result TakeAt(int index) noexcept {
         if (count_ - 1 > capacity_ - growBy_) {

@@ -1,5 +1,7 @@
 #include "objects/keyword.h"
 
+#include <utility>
+
 #include "zol/zol.h"
 
 CKeyword::CKeyword(const char* name, const char* value) noexcept {
@@ -7,8 +9,60 @@ CKeyword::CKeyword(const char* name, const char* value) noexcept {
     (void)value_.Assign(value);
 }
 
+void CKeyword::operator delete(CKeyword* keyword, std::destroying_delete_t) noexcept {
+    const bool isLent = keyword->lentName_ != nullptr;
+    keyword->~CKeyword();
+    if (!isLent) ::operator delete(keyword);
+}
+
+void CKeyword::SetValue(const char* value) noexcept {
+    lentValue_ = nullptr;
+    (void)value_.Assign(value);
+}
+
 int CKeyword::Compare(const CKeyword& keyword, const char* name) noexcept {
     return zolStricmp(keyword.Name(), name);
+}
+
+char* KeywordBlock::MakeText(size_t length) noexcept {
+    *this = KeywordBlock();
+    text_.reset(new (std::nothrow) char[length + 1]);
+    length_ = length;
+    return text_.get();
+}
+
+bool KeywordBlock::Add(const char* name, const char* value) noexcept {
+    if (count_ == room_ && !Grow()) return false;
+    new (At(count_)) CKeyword(CKeyword::Lent{name, value});
+    ++count_;
+    return true;
+}
+
+// A line of a data file has some forty characters.
+bool KeywordBlock::Grow() noexcept {
+    const int room = room_ == 0 ? static_cast<int>(length_ / 40) + 8 : 2 * room_;
+    std::unique_ptr<std::byte[]> grown(new (std::nothrow)
+                                           std::byte[static_cast<size_t>(room) * sizeof(CKeyword)]);
+    if (grown == nullptr) return false;
+    for (int i = 0; i < count_; ++i) {
+        new (grown.get() + static_cast<size_t>(i) * sizeof(CKeyword))
+            CKeyword(CKeyword::Lent{At(i)->Name(), At(i)->Value()});
+    }
+    records_ = std::move(grown);
+    room_ = room;
+    return true;
+}
+
+size_t KeywordBlock::Bytes() const noexcept {
+    return text_ == nullptr ? 0 : length_ + 1 + static_cast<size_t>(room_) * sizeof(CKeyword);
+}
+
+bool CArrayPtrsToKeyword::Adopt(KeywordBlock* block) noexcept {
+    if (InsertAll(block->Count(), [block](int index) { return block->At(index); }) != OAM_SUCCESS) {
+        return false;
+    }
+    block_ = std::move(*block);
+    return true;
 }
 
 oam_result CArrayPtrsToKeyword::Set(const char* name, const char* value, bool create) noexcept {

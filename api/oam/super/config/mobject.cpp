@@ -1,5 +1,6 @@
 // KOR_CMObject: opening, closing and access. Storage is in mobject_file.cpp.
 
+#include "kept_keywords.h"
 #include "open_objects.h"
 #include "zol/zol.h"
 
@@ -31,7 +32,7 @@ bool KOR_CMObject::SetDataFileName(const char* name) noexcept {
     return assigned;
 }
 
-KOR_CMObject::~KOR_CMObject() = default;
+KOR_CMObject::~KOR_CMObject() { keptKeywords().Remove(this); }
 
 int KOR_CMObject::Compare(const KOR_CMObject& object, const char* name) noexcept {
     return zolStricmp(object.Name(), name);
@@ -64,7 +65,7 @@ oam_result KOR_CMObject::DbOpen(unsigned long client, unsigned long* handle,
     } else {
         const oam_result loaded = Load();
         if (loaded != OAM_SUCCESS && loaded != OAMERR_NOT_FOUND) {
-            keywords_.RemoveAll();  // what was read before the failure
+            DropKept();  // what was read before the failure
             return loaded;
         }
         openMode_ = mode;
@@ -84,7 +85,11 @@ oam_result KOR_CMObject::DbClose(unsigned long handle, bool discard) noexcept {
     oam_result result = OAM_SUCCESS;
     if (openCount_ == 1) {
         if (IsReadWrite() && !discard) result = Save();
-        keywords_.RemoveAll();
+        if (!IsReadWrite() && loadedFrom_.IsKnown()) {
+            keptKeywords().Add(this, keywords_.Bytes());
+        } else {
+            DropKept();
+        }
     }
     --openCount_;
     (void)openObjects().Remove(handle);

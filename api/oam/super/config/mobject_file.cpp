@@ -8,7 +8,9 @@
 
 #include "base/last_failure.h"
 #include "base/path.h"
+#include "data_file_image.h"
 #include "durable_file.h"
+#include "kept_keywords.h"
 #include "objects/object.h"
 #include "xmo_reader.h"
 #include "xmo_writer.h"
@@ -44,6 +46,19 @@ oam_result KOR_CMObject::EndCreation() noexcept {
 oam_result KOR_CMObject::Load() noexcept {
     DataFilePath path;
     if (auto failed = BuildPath(&path)) return failed;
+    if (kept_.object != nullptr) {
+        if (IsUnchanged(path.text)) {
+            keptKeywords().Remove(this);
+            return OAM_SUCCESS;
+        }
+        DropKept();
+    }
+    DataFileImage image;
+    if (keywords_.Count() == 0 && image.Read(path.text) &&
+        strcmp(image.ObjectName(), Name()) == 0 && keywords_.Adopt(image.Keywords())) {
+        loadedFrom_ = image.Identity();
+        return OAM_SUCCESS;
+    }
     // The reading itself creates every entry.
     const int openCount = std::exchange(openCount_, 1);
     const unsigned openMode =
@@ -54,11 +69,31 @@ oam_result KOR_CMObject::Load() noexcept {
     return result;
 }
 
+bool KOR_CMObject::IsUnchanged(const char* path) const noexcept {
+    struct stat status;
+    return stat(path, &status) == 0 && loadedFrom_.IsOf(status);
+}
+
+void KOR_CMObject::KeepFrom(DataFileImage* image) noexcept {
+    if (openCount_ != 0 || keywords_.Count() != 0 || !image->Identity().IsKnown() ||
+        !keywords_.Adopt(image->Keywords())) {
+        return;
+    }
+    loadedFrom_ = image->Identity();
+    keptKeywords().Add(this, keywords_.Bytes());
+}
+
+void KOR_CMObject::DropKept() noexcept {
+    keptKeywords().Remove(this);
+    loadedFrom_ = oam::FileIdentity();
+    keywords_.RemoveAll();
+}
+
 oam_result KOR_CMObject::ReadFile(const char* path) noexcept {
     CXmlImport reader;
     if (reader.Open(path, kObjectRoot) != 0) {
-        // A missing file is an object without keywords. One that is there, but out of reach for want
-        // of memory or descriptors, must not be taken for it: the next save would empty it.
+        // A missing file is an object without keywords. One that is there, but out of reach for
+        // want of memory or descriptors, must not be taken for it: the next save would empty it.
         return oam::IsOutOfMeans(errno) ? OAMERR_FILE_READ_ERROR : OAMERR_NOT_FOUND;
     }
     oam_result result = OAM_SUCCESS;

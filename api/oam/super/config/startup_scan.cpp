@@ -1,8 +1,9 @@
 // The start-up scan: every data file of the configuration directory becomes an object.
 //
 // A file that cannot be opened stops the start; one that can be opened but not read to its end is
-// renamed to "*.bak" and told in an alert, unless it is not the file that is at fault. Before the scan, what a death left behind is put right:
-// an unfinished import is rolled back and files that were not finished are removed.
+// renamed to "*.bak" and told in an alert, unless it is not the file that is at fault. Before the
+// scan, what a death left behind is put right: an unfinished import is rolled back and files that
+// were not finished are removed.
 
 #include <errno.h>
 
@@ -10,6 +11,7 @@
 #include <cstring>
 
 #include "base/path.h"
+#include "data_file_image.h"
 #include "doors/alert.h"
 #include "durable_file.h"
 #include "import_aside.h"
@@ -60,7 +62,6 @@ bool isSound(const char* path, const char* object) noexcept {
     return kind == CXmlImport::kEndOfFile;
 }
 
-
 }  // namespace
 
 oam_result CMObjMgr::Init() noexcept {
@@ -108,6 +109,34 @@ oam_result CMObjMgr::ScanDataFiles(const char* directory) noexcept {
 
 // 0 also when the file was rejected; a failure stops the scan.
 oam_result CMObjMgr::LoadDataFile(const char* path, const char* fileName) noexcept {
+    bool loaded = false;
+    if (auto failed = LoadWhole(path, fileName, &loaded)) return failed;
+    if (!loaded) {
+        if (auto failed = LoadInSteps(path, fileName, &loaded)) return failed;
+    }
+    if (loaded) (void)AlertNotify(OAMEVN_ALERT, OAM_INFORMATION, "Config", "%s DONE", fileName);
+    return OAM_SUCCESS;
+}
+
+// Name and check from one reading, for a file as the writer writes it.
+oam_result CMObjMgr::LoadWhole(const char* path, const char* fileName, bool* loaded) noexcept {
+    DataFileImage image;
+    int index;
+    if (!image.Read(path) || FindByName(image.ObjectName(), &index)) return OAM_SUCCESS;
+    if (auto failed = Insert(image.ObjectName(), fileName)) return failed;
+    KOR_CMObject* object = Find(image.ObjectName());
+    *loaded = true;
+    // Some kinds of object choose their file, or spell their name, themselves.
+    if (strcmp(object->Name(), image.ObjectName()) != 0 ||
+        strcmp(object->DataFileName(), fileName) != 0) {
+        return CheckLoading(path, fileName, object->Name(), loaded);
+    }
+    object->KeepFrom(&image);
+    return OAM_SUCCESS;
+}
+
+// For every other file: its first keyword, and then all of it.
+oam_result CMObjMgr::LoadInSteps(const char* path, const char* fileName, bool* loaded) noexcept {
     CXmlImport reader;
     if (reader.Open(path, kObjectRoot) != 0) return OAMERR_FILE_READ_ERROR;
     if (!reachFirstKeyword(reader, path)) return RejectDataFile(path, fileName, nullptr);
@@ -119,15 +148,19 @@ oam_result CMObjMgr::LoadDataFile(const char* path, const char* fileName) noexce
     const char* registered = Find(name)->Name();
     const bool isClosed = reader.Close() == 0;
     if (!isClosed && !isSound(path, registered)) return RejectDataFile(path, fileName, registered);
+    *loaded = true;
+    return CheckLoading(path, fileName, registered, loaded);
+}
 
-    oam_result opened = TryToLoad(registered);
-    if (opened == OAMERR_FILE_READ_ERROR) {
-        if (!isSound(path, registered)) return RejectDataFile(path, fileName, registered);
-        opened = TryToLoad(registered);
-        if (opened == OAMERR_FILE_READ_ERROR) return opened;
+oam_result CMObjMgr::CheckLoading(const char* path, const char* fileName, const char* object,
+                                  bool* loaded) noexcept {
+    if (TryToLoad(object) != OAMERR_FILE_READ_ERROR) return OAM_SUCCESS;
+    if (!isSound(path, object)) {
+        *loaded = false;
+        return RejectDataFile(path, fileName, object);
     }
-    (void)AlertNotify(OAMEVN_ALERT, OAM_INFORMATION, "Config", "%s DONE", fileName);
-    return OAM_SUCCESS;
+    const oam_result opened = TryToLoad(object);
+    return opened == OAMERR_FILE_READ_ERROR ? opened : OAM_SUCCESS;
 }
 
 // A full load as a check.

@@ -1,0 +1,138 @@
+#include "data_file_image.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cstring>
+#include <string_view>
+
+#include "xmo_path.h"
+#include "xmo_writer.h"
+#include "zol/zol.h"
+
+namespace {
+
+constexpr std::string_view kDeclaration = "<?XML version=\"1.0\"?>\n";
+constexpr std::string_view kRootIndent = "   ";
+constexpr std::string_view kKeywordIndent = "      <";
+constexpr std::string_view kKeywordEnd = "/>\n";
+constexpr off_t kMostBytes = 1 << 24;
+constexpr size_t kMostInToken = 2047;
+
+bool isWhite(char character) noexcept {
+    return character == ' ' || (character >= '\t' && character <= '\r');
+}
+
+// What the reader takes as it stands: nothing to trim, no mark of another kind of tag.
+bool isPlainTag(std::string_view tag) noexcept {
+    return !tag.empty() && tag.size() <= kMostInToken && !isWhite(tag.front()) &&
+           !isWhite(tag.back()) && tag.front() != '?' && tag.front() != '!' && tag.front() != '/' &&
+           memchr(tag.data(), '\\', tag.size()) == nullptr;
+}
+
+bool isPlainValue(std::string_view value) noexcept {
+    return value.empty() ||
+           (value.size() <= kMostInToken && !isWhite(value.front()) && !isWhite(value.back()));
+}
+
+// What is still to be read of a text that ends with a NUL.
+class Rest {
+  public:
+    Rest(char* at, char* end) noexcept : at_(at), end_(end) {}
+
+    bool Skip(std::string_view expected) noexcept {
+        if (!StartsWith(expected)) return false;
+        at_ += expected.size();
+        return true;
+    }
+    // What lies before the character, which is made a NUL and passed.
+    bool Take(char character, std::string_view* text) noexcept {
+        auto* found = static_cast<char*>(memchr(at_, character, Left()));
+        if (found == nullptr) return false;
+        *text = std::string_view(at_, static_cast<size_t>(found - at_));
+        *found = '\0';
+        at_ = found + 1;
+        return true;
+    }
+    bool IsEmpty() const noexcept { return at_ == end_; }
+
+  private:
+    size_t Left() const noexcept { return static_cast<size_t>(end_ - at_); }
+    bool StartsWith(std::string_view expected) const noexcept {
+        return Left() >= expected.size() && memcmp(at_, expected.data(), expected.size()) == 0;
+    }
+
+    char* at_;
+    char* const end_;
+};
+
+class OpenFile {
+  public:
+    explicit OpenFile(const char* path) noexcept
+        : descriptor_(open(path, O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY)) {}
+    ~OpenFile() {
+        if (descriptor_ >= 0) close(descriptor_);
+    }
+    OpenFile(const OpenFile&) = delete;
+    OpenFile& operator=(const OpenFile&) = delete;
+    int Get() const noexcept { return descriptor_; }
+
+  private:
+    const int descriptor_;
+};
+
+}  // namespace
+
+bool DataFileImage::Read(const char* path) noexcept {
+    return ReadText(path) && Split(keywords_.Text(), length_);
+}
+
+// A file that grows or shrinks meanwhile is nothing for this reader.
+bool DataFileImage::ReadText(const char* path) noexcept {
+    const OpenFile file(path);
+    struct stat status;
+    if (file.Get() < 0 || fstat(file.Get(), &status) != 0 || !S_ISREG(status.st_mode) ||
+        status.st_size > kMostBytes) {
+        return false;
+    }
+    identity_ = oam::FileIdentity::Of(status);
+    length_ = static_cast<size_t>(status.st_size);
+    char* text = keywords_.MakeText(length_);
+    if (text == nullptr) return false;
+    // One more than there should be.
+    if (read(file.Get(), text, length_ + 1) != status.st_size) return false;
+    text[length_] = '\0';
+    return memchr(text, '\0', length_) == nullptr;
+}
+
+bool DataFileImage::Split(char* text, size_t length) noexcept {
+    Rest rest(text, text + length);
+    std::string_view root;
+    std::string_view name;
+    if (!rest.Skip(kDeclaration) || !rest.Skip("<") || !rest.Take('>', &root) ||
+        root != kObjectRoot || !rest.Skip("\n") || !rest.Skip(kRootIndent) || !rest.Skip("<") ||
+        !rest.Take('>', &name) || !isPlainTag(name) || !rest.Skip("\n")) {
+        return false;
+    }
+    name_ = name.data();
+    bool hasValue = false;
+    const char* before = nullptr;
+    while (rest.Skip(kKeywordIndent)) {
+        std::string_view keyword;
+        std::string_view value;
+        if (!rest.Take('>', &keyword) || !isPlainTag(keyword) || !rest.Take('<', &value) ||
+            !isPlainValue(value) || !rest.Skip(kKeywordEnd)) {
+            return false;
+        }
+        // Both after a backslash, in the reader's path.
+        if (name.size() + keyword.size() + 2 >= XmoPath::kSize) return false;
+        if (before != nullptr && zolStricmp(before, keyword.data()) >= 0) return false;
+        before = keyword.data();
+        hasValue = hasValue || !value.empty();
+        if (!keywords_.Add(keyword.data(), value.data())) return false;
+    }
+    std::string_view end;
+    return hasValue && rest.Skip(kRootIndent) && rest.Skip("</") && rest.Take('>', &end) &&
+           end == name && rest.Skip("\n</") && rest.Take('>', &end) && end == kObjectRoot &&
+           rest.Skip("\n") && rest.IsEmpty();
+}

@@ -1,0 +1,28 @@
+// A data file in exactly the form in which the writer writes it, read at once and split in place:
+// the fast way for nearly every file. Whatever else a file holds, the reader (xmo_reader.h)
+// decides; this one says only that it is not its kind, also when it could not be read.
+#pragma once
+
+#include "base/file_identity.h"
+#include "objects/keyword.h"
+
+class DataFileImage {
+  public:
+    // True: the file is valid, its keywords are in ascending order, each with a name that may stand
+    // in an object.
+    bool Read(const char* path) noexcept;
+
+    const char* ObjectName() const noexcept { return name_; }
+    // Unknown when the file changed shortly before.
+    const oam::FileIdentity& Identity() const noexcept { return identity_; }
+    KeywordBlock* Keywords() noexcept { return &keywords_; }
+
+  private:
+    bool ReadText(const char* path) noexcept;
+    bool Split(char* text, size_t length) noexcept;
+
+    KeywordBlock keywords_;
+    size_t length_ = 0;
+    const char* name_ = "";
+    oam::FileIdentity identity_;
+};
