@@ -9,6 +9,7 @@
 #include <iterator>
 #include <random>
 #include <set>
+#include <utility>
 
 namespace oam::torture {
 
@@ -84,6 +85,9 @@ void RecordedDisk::Observe(const SystemCall& call, long result) {
             return Written(call, result);
         case SYS_fsync:
             return Synced(static_cast<int>(arguments[0]));
+        case SYS_syncfs:
+            Add({Event::Kind::kSyncAll, ".", "", -1, ""});
+            return;
         case SYS_rename:
             if (!path(0).empty()) Add({Event::Kind::kRename, path(0), path(1), -1, ""});
             return;
@@ -165,6 +169,7 @@ void RecordedDisk::Apply(const Event& event, Names* names) {
         case Event::Kind::kData:
         case Event::Kind::kSyncData:
         case Event::Kind::kSyncNames:
+        case Event::Kind::kSyncAll:
             return;
     }
 }
@@ -190,6 +195,11 @@ class PossibleDisks {
             inodes_[event.inode].synced = inodes_[event.inode].data;
         } else if (event.kind == Kind::kSyncNames) {
             SyncNames(event.path);
+        } else if (event.kind == Kind::kSyncAll) {
+            for (auto& [inode, content] : inodes_) content.synced = content.data;
+            for (const auto& pending : std::exchange(pending_, {})) {
+                RecordedDisk::Apply(pending, &synced_);
+            }
         } else {
             pending_.push_back(event);
         }

@@ -1,7 +1,8 @@
 // What a traced process does to the files below one directory, and what of it a disk may hold when
 // the power fails.
 //
-// A disk has what was synced: a file's data by its own fsync, a name by the fsync of its directory.
+// A disk has what was synced: a file's data by its own fsync, a name by the fsync of its directory,
+// and everything by syncfs.
 // Everything since may be there or not, each name change by itself and each file's data wholly, by
 // half or not at all; no order is taken for granted.
 #pragma once
@@ -45,7 +46,7 @@ class RecordedDisk {
         std::string synced;
     };
     struct Event {
-        enum class Kind { kCreate, kRemove, kRename, kLink, kData, kSyncData, kSyncNames };
+        enum class Kind { kCreate, kRemove, kRename, kLink, kData, kSyncData, kSyncNames, kSyncAll };
         Kind kind;
         std::string path;
         std::string target;

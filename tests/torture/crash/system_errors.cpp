@@ -23,6 +23,7 @@ const std::vector<Row>& rows() {
         {SYS_read, "read", {EIO, EINTR, ENOMEM}},
         {SYS_write, "write", {EIO, ENOSPC, EDQUOT, EINTR}, Kind::kFail, true},
         {SYS_fsync, "fsync", {EIO, ENOSPC, EDQUOT}},
+        {SYS_syncfs, "syncfs", {EIO, ENOSPC, EDQUOT}},
         {SYS_rename, "rename", {EACCES, EIO, ENOSPC, EDQUOT, EROFS, ENOMEM}},
         {SYS_unlink, "unlink", {EACCES, EIO, EROFS}},
         {SYS_link, "link", {EACCES, EIO, ENOSPC, EMLINK}},

@@ -17,6 +17,7 @@
 
 class CXmlExport;
 class DataFileImage;
+class ObjectSaving;
 class KOR_CMObject;
 
 // An object's place among those that keep their keywords while closed (config/kept_keywords.h).
@@ -107,8 +108,9 @@ class KOR_CMObject {
 
     oam_result DbOpen(unsigned long client, unsigned long* handle, unsigned mode) noexcept;
     // Closes in every case; the result is the save's. The last closing saves a read-write object,
-    // unless it discards.
-    oam_result DbClose(unsigned long handle, bool discard) noexcept;
+    // unless it discards; `saving`: as far as that has not been done ahead.
+    oam_result DbClose(unsigned long handle, bool discard,
+                       ObjectSaving* saving = nullptr) noexcept;
     oam_result DbGetProviderMode(bool* provider) noexcept;
     oam_result DbSetProviderMode(bool provider) noexcept;
     oam_result DbSetKeyword(const char* name, const char* value) noexcept;
@@ -134,6 +136,8 @@ class KOR_CMObject {
                             char* buffer, unsigned size) noexcept;
 
   private:
+    friend class ObjectSaving;
+
     bool IsOpen() const noexcept { return openCount_ > 0; }
     bool MayWrite() const noexcept { return IsOpen() && IsReadWrite(); }
     bool MayProvide() const noexcept { return MayWrite() && (openMode_ & OAM_OPEN_PROVIDER) != 0; }

@@ -4,6 +4,7 @@
 
 #include "doors/alert.h"
 #include "doors/board.h"
+#include "object_saving.h"
 #include "open_objects.h"
 #include "registry.h"
 
@@ -31,8 +32,9 @@ oam_result CArrayPtrsToMObject::Close(unsigned long handle, bool trap,
     if (object == nullptr) return OAMERR_NOT_FOUND;
     if (object->OpenCount() == 0) return OAMERR_ACCESS_DENIED;
 
+    ObjectSaving saving(object);
     oam_result result = trap ? askToClose(object, handle) : OAM_SUCCESS;
-    if (result == OAM_SUCCESS) result = ValidateChanges(handle);
+    if (result == OAM_SUCCESS) result = ValidateChanges(handle, &saving);
     if (result != OAM_SUCCESS) {
         // A refused change is never kept: what is stored stays what the file holds.
         (void)object->DbClose(handle, true);
@@ -43,21 +45,23 @@ oam_result CArrayPtrsToMObject::Close(unsigned long handle, bool trap,
         oam::CopyCut(*pending_.newName != '\0' ? pending_.newName : object->Name(), closed->name,
                      sizeof closed->name);
     }
-    result = object->DbClose(handle, false);
+    result = object->DbClose(handle, false, &saving);
     if (result != OAM_SUCCESS) {
         ValidateChangesCleanup(object);
         return result;
     }
     // Found again: the plug-in may have created and removed other objects in TrapClose.
     int index;
-    if (FindByName(object->Name(), &index)) HandleChanges(index);
-    return OAM_SUCCESS;
+    return FindByName(object->Name(), &index) ? HandleChanges(index, &saving) : OAM_SUCCESS;
 }
 
-oam_result CArrayPtrsToMObject::ValidateChanges(unsigned long handle) noexcept {
+oam_result CArrayPtrsToMObject::ValidateChanges(unsigned long handle,
+                                                ObjectSaving* saving) noexcept {
     KOR_CMObject* object = getObjectFromHandle(handle);
     if (!object->IsReadWrite()) return OAM_SUCCESS;
     oam_result result = ReadNewName(object);
+    // Before the board table is locked: look-ups need not wait for the disk.
+    if (result == OAM_SUCCESS) saving->WriteAhead();
     if (result == OAM_SUCCESS) result = BoardIDsValidateChanges(object->Name(), handle);
     if (result == OAM_SUCCESS) result = object->ValidateChanges();
     if (result != OAM_SUCCESS) ValidateChangesCleanup(object);
@@ -82,27 +86,31 @@ oam_result CArrayPtrsToMObject::ReadNewName(KOR_CMObject* object) noexcept {
     return pending_.objectName.Assign(pending_.newName) ? OAM_SUCCESS : OAMERR_NOT_ENOUGH_MEMORY;
 }
 
-void CArrayPtrsToMObject::HandleChanges(int index) noexcept {
+oam_result CArrayPtrsToMObject::HandleChanges(int index, ObjectSaving* saving) noexcept {
     KOR_CMObject* object = At(index);
-    if (!object->IsReadWrite()) return;
+    if (!object->IsReadWrite()) return OAM_SUCCESS;
     BoardIDsHandleChanges(object->Name());
     const bool renamed = *pending_.newName != '\0';
     if (renamed) Rename(index);  // leaves the old name in the pending state
     object->HandleChanges();
     ValidateChangesCleanup(object);
-    if (!renamed) return;
+    // The file is in its place: what fails now leaves the change as made.
+    const oam_result synced = saving->Sync();
+    if (!renamed) return synced;
 
     // Copied: a receiver of the alert may commit another change, or remove this object.
     char newName[oam::kNameSize];
     oam::CopyCut(object->Name(), newName, sizeof newName);
     const oam::OwnedText oldName = std::move(pending_.objectName);
     (void)AlertNotify(OAMEVN_RENAMED, OAM_INFORMATION, newName, "%s", oldName.OrEmpty());
+    return synced;
 }
 
 void CArrayPtrsToMObject::Rename(int index) noexcept {
     At(index)->SwapName(&pending_.objectName);
     Move(index, pending_.newIndex);
     pending_.newName[0] = '\0';
+    nextName_.base[0] = '\0';
 }
 
 void CArrayPtrsToMObject::ValidateChangesCleanup(KOR_CMObject* object) noexcept {

@@ -61,9 +61,26 @@ bool isWrittenInPlace(const char* path) noexcept {
 
 oam_result DurableFile::Finish(oam_result written) noexcept {
     if (!IsBeside()) return written;
-    if (written == OAM_SUCCESS && renameDurably(beside_.Get(), path_)) return OAM_SUCCESS;
-    (void)remove(beside_.Get());
+    if (written == OAM_SUCCESS) OpenPlace();
+    if (auto failed = PutInPlace(written)) return failed;
+    return SyncPlace() ? OAM_SUCCESS : OAMERR_FILE_WRITE_ERROR;
+}
+
+oam_result DurableFile::PutInPlace(oam_result written) noexcept {
+    if (!IsBeside()) return written;
+    const bool isOpen = !place_ || place_->IsOpen();
+    if (written == OAM_SUCCESS && isOpen && rename(beside_.Get(), path_) == 0) {
+        (void)beside_.Assign(nullptr);
+        return OAM_SUCCESS;
+    }
+    GiveUp();
     return written != OAM_SUCCESS ? written : OAMERR_FILE_WRITE_ERROR;
+}
+
+void DurableFile::GiveUp() noexcept {
+    if (!IsBeside()) return;
+    (void)remove(beside_.Get());
+    (void)beside_.Assign(nullptr);
 }
 
 ContainingDirectory::ContainingDirectory(const char* path) noexcept {
@@ -93,6 +110,23 @@ bool ContainingDirectory::Sync() const noexcept {
 bool renameDurably(const char* from, const char* to) noexcept {
     const ContainingDirectory directory(to);
     return directory.IsOpen() && rename(from, to) == 0 && directory.Sync();
+}
+
+bool syncFileAndName(const char* path) noexcept {
+    const int descriptor = open(path, O_RDONLY | O_NOFOLLOW | O_CLOEXEC);
+    if (descriptor < 0) return false;
+    const bool synced = fsync(descriptor) == 0;
+    close(descriptor);
+    return synced && ContainingDirectory(path).Sync();
+}
+
+bool syncAll(const char* directory) noexcept {
+    const int descriptor = open(directory, O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (descriptor < 0) return false;
+    // The second for file systems that do not count the names of a directory as written.
+    const bool synced = syncfs(descriptor) == 0 && (fsync(descriptor) == 0 || errno == EINVAL);
+    close(descriptor);
+    return synced;
 }
 
 void syncDataDirectory() noexcept {

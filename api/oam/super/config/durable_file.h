@@ -6,33 +6,13 @@
 // which no reader takes for a data file; the start-up scan clears it.
 #pragma once
 
+#include <optional>
+
 #include "base/text.h"
 
 constexpr char kBesideSuffix[] = ".saving";
 // Ends the name of the data file of an object that is still being created; cleared likewise.
 constexpr char kCreationSuffix[] = ".making";
-
-class DurableFile {
-  public:
-    // Decides where to write and reserves the name beside. OAMERR_NOT_ENOUGH_MEMORY,
-    // OAMERR_FILE_WRITE_ERROR: the old file is untouched.
-    oam_result Begin(const char* path) noexcept;
-
-    // The file to write; when it is beside, the writer syncs it.
-    const char* Target() const noexcept { return beside_.IsNull() ? path_ : beside_.Get(); }
-    bool IsBeside() const noexcept { return !beside_.IsNull(); }
-
-    // Puts what was written in its place, or (when `written` is a failure) removes what is beside
-    // and leaves the old file. Answers `written`, or OAMERR_FILE_WRITE_ERROR.
-    oam_result Finish(oam_result written) noexcept;
-
-  private:
-    const char* path_ = "";
-    oam::OwnedText beside_;
-};
-
-// Whether something that is no regular file lies at the path.
-bool isWrittenInPlace(const char* path) noexcept;
 
 // The directory that holds a path, opened before a name in it is changed: what could fail for want
 // of descriptors fails before the change, and only the disk itself after it.
@@ -52,9 +32,45 @@ class ContainingDirectory {
     bool isOpen_ = false;
 };
 
+class DurableFile {
+  public:
+    // Decides where to write and reserves the name beside. OAMERR_NOT_ENOUGH_MEMORY,
+    // OAMERR_FILE_WRITE_ERROR: the old file is untouched.
+    oam_result Begin(const char* path) noexcept;
+
+    // The file to write; when it is beside, the writer syncs it.
+    const char* Target() const noexcept { return beside_.IsNull() ? path_ : beside_.Get(); }
+    bool IsBeside() const noexcept { return !beside_.IsNull(); }
+
+    // Puts what was written in its place, or (when `written` is a failure) removes what is beside
+    // and leaves the old file. Answers `written`, or OAMERR_FILE_WRITE_ERROR.
+    oam_result Finish(oam_result written) noexcept;
+
+    // Finish in steps, for who has more to do in between: OpenPlace ahead (without it, nothing is
+    // made durable), PutInPlace, which answers as Finish does, and SyncPlace.
+    void OpenPlace() noexcept { place_.emplace(path_); }
+    oam_result PutInPlace(oam_result written) noexcept;
+    // True also without a place to sync.
+    bool SyncPlace() const noexcept { return !place_ || place_->Sync(); }
+    // Removes what is still beside.
+    void GiveUp() noexcept;
+
+  private:
+    const char* path_ = "";
+    oam::OwnedText beside_;
+    std::optional<ContainingDirectory> place_;
+};
+
+// Whether something that is no regular file lies at the path.
+bool isWrittenInPlace(const char* path) noexcept;
+
 // Puts a file in the place of another, or of none, for good. False: not done, or (after an I/O
 // error) not known to be durable.
 bool renameDurably(const char* from, const char* to) noexcept;
 
+// Makes the file's data durable, and that it has this name. False on an I/O error.
+bool syncFileAndName(const char* path) noexcept;
 // Makes the names of the data files durable.
 void syncDataDirectory() noexcept;
+// Makes everything durable that was written to the file system of the directory.
+bool syncAll(const char* directory) noexcept;

@@ -1,6 +1,7 @@
 // KOR_CMObject: opening, closing and access. Storage is in mobject_file.cpp.
 
 #include "kept_keywords.h"
+#include "object_saving.h"
 #include "open_objects.h"
 #include "zol/zol.h"
 
@@ -80,11 +81,12 @@ oam_result KOR_CMObject::DbOpen(unsigned long client, unsigned long* handle,
     return OAM_SUCCESS;
 }
 
-oam_result KOR_CMObject::DbClose(unsigned long handle, bool discard) noexcept {
+oam_result KOR_CMObject::DbClose(unsigned long handle, bool discard,
+                                 ObjectSaving* saving) noexcept {
     if (!IsOpen()) return OAMERR_ACCESS_DENIED;
     oam_result result = OAM_SUCCESS;
     if (openCount_ == 1) {
-        if (IsReadWrite() && !discard) result = Save();
+        if (IsReadWrite() && !discard) result = saving != nullptr ? saving->PutInPlace() : Save();
         if (!IsReadWrite() && loadedFrom_.IsKnown()) {
             keptKeywords().Add(this, keywords_.Bytes());
         } else {

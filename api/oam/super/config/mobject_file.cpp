@@ -11,15 +11,11 @@
 #include "data_file_image.h"
 #include "durable_file.h"
 #include "kept_keywords.h"
-#include "objects/object.h"
+#include "object_saving.h"
 #include "xmo_reader.h"
 #include "xmo_writer.h"
 
 using oam::kPathSize;
-
-struct KOR_CMObject::DataFilePath {
-    char text[kPathSize + sizeof kCreationSuffix];
-};
 
 oam_result KOR_CMObject::BuildPath(DataFilePath* path) const noexcept {
     if (auto failed = GetFullPath(false, "/oam/cfg/", path->text, kPathSize)) return failed;
@@ -40,6 +36,8 @@ oam_result KOR_CMObject::EndCreation() noexcept {
     beingCreated_ = false;
     DataFilePath final;
     if (auto failed = BuildPath(&final)) return failed;
+    // What was saved until now was not worth a sync. The name too: several files had it.
+    if (!isWrittenInPlace(final.text) && !syncFileAndName(made.text)) return OAMERR_FILE_WRITE_ERROR;
     return renameDurably(made.text, final.text) ? OAM_SUCCESS : OAMERR_FILE_WRITE_ERROR;
 }
 
@@ -116,11 +114,10 @@ oam_result KOR_CMObject::LoadKeyword(const char* name, const char* value) noexce
 }
 
 oam_result KOR_CMObject::Save() noexcept {
-    DataFilePath path;
-    if (auto failed = BuildPath(&path)) return failed;
-    DurableFile file;
-    if (auto failed = file.Begin(path.text)) return failed;
-    return file.Finish(WriteFile(file.Target(), file.IsBeside()));
+    ObjectSaving saving(this);
+    saving.WriteAhead();
+    if (auto failed = saving.PutInPlace()) return failed;
+    return saving.Sync();
 }
 
 oam_result KOR_CMObject::WriteFile(const char* path, bool sync) noexcept {

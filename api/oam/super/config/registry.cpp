@@ -1,7 +1,7 @@
 #include "registry.h"
 
 #include <cstdio>
-#include <cstdlib>
+#include <cstring>
 #include <memory>
 
 #include "base/rounds.h"
@@ -26,15 +26,6 @@ KOR_CMObject* makeObject(const char* name, const char* dataFile) noexcept {
     return new (std::nothrow) CMOBoard(name, dataFile);
 }
 
-// The number in a data file name of the form "Obj%d.xmo", or -1. What follows the number plays no
-// part.
-long dataFileNumber(const char* fileName) noexcept {
-    if (fileName == nullptr || strncmp(fileName, "Obj", 3) != 0) return -1;
-    char* end;
-    const long number = strtol(fileName + 3, &end, 10);
-    return end != fileName + 3 ? number : -1;
-}
-
 }  // namespace
 
 bool CArrayPtrsToMObject::FindByFile(const char* fileName, int* index) const noexcept {
@@ -49,36 +40,52 @@ oam_result CArrayPtrsToMObject::CreateUniqueName(const char* base, char* buffer,
                                                  unsigned size) const noexcept {
     if (buffer == nullptr || size < strlen(base) + kNumberRoom) return OAMERR_NOT_ENOUGH_MEMORY;
     int index;
-    int number = 0;
-    do {
-        snprintf(buffer, size, "%s %d", base, number++);
-    } while (FindByName(buffer, &index));
+    int number = strcmp(base, nextName_.base) == 0 ? nextName_.number : 0;
+    for (;; ++number) {
+        snprintf(buffer, size, "%s %d", base, number);
+        if (!FindByName(buffer, &index)) break;
+    }
+    // Until one of them goes or is renamed, those below stay taken.
+    nextName_.number = number;
+    oam::CopyCut(strlen(base) < sizeof nextName_.base ? base : "", nextName_.base,
+                 sizeof nextName_.base);
     return OAM_SUCCESS;
 }
 
 oam_result CArrayPtrsToMObject::CreateUniqueDataFilename(KOR_CMObject* object) const noexcept {
     if (object->DataFileName() != nullptr) return OAM_SUCCESS;
-    const size_t numbers = static_cast<size_t>(Count()) + 1;
-    const std::unique_ptr<bool[]> taken(new (std::nothrow) bool[numbers]());
-    if (taken == nullptr) return OAMERR_NOT_ENOUGH_MEMORY;
-    for (int i = 0; i < Count(); ++i) {
-        const long number = dataFileNumber(At(i)->DataFileName());
-        if (number >= 0 && number <= Count()) taken[number] = true;
-    }
-    int free = 0;
-    while (taken[free]) ++free;
+    int number = fileNumbers_.Lowest();
+    if (number < 0) number = LowestDataFileNumber();
+    if (number < 0) return OAMERR_NOT_ENOUGH_MEMORY;
     char name[32];
-    snprintf(name, sizeof name, "Obj%d.xmo", free);
+    snprintf(name, sizeof name, "Obj%d.xmo", number);
     return object->SetDataFileName(name) ? OAM_SUCCESS : OAMERR_NOT_ENOUGH_MEMORY;
 }
 
+// From every object's name; -1 without memory.
+int CArrayPtrsToMObject::LowestDataFileNumber() const noexcept {
+    const size_t numbers = static_cast<size_t>(Count()) + 1;
+    const std::unique_ptr<bool[]> taken(new (std::nothrow) bool[numbers]());
+    if (taken == nullptr) return -1;
+    for (int i = 0; i < Count(); ++i) {
+        const long number = DataFileNumbers::Of(At(i)->DataFileName());
+        if (number >= 0 && number <= Count()) taken[static_cast<size_t>(number)] = true;
+    }
+    int free = 0;
+    while (taken[static_cast<size_t>(free)]) ++free;
+    return free;
+}
+
 oam_result CArrayPtrsToMObject::Insert(const char* name, const char* dataFile) noexcept {
-    return InsertNew(name, [=, this]() -> KOR_CMObject* {
+    KOR_CMObject* made = nullptr;
+    const oam_result inserted = InsertNew(name, [&]() -> KOR_CMObject* {
         std::unique_ptr<KOR_CMObject> object(makeObject(name, dataFile));
         if (object == nullptr || !object->IsComplete()) return nullptr;
         if (CreateUniqueDataFilename(object.get()) != OAM_SUCCESS) return nullptr;
-        return object.release();
+        return made = object.release();
     });
+    if (inserted == OAM_SUCCESS) fileNumbers_.Add(made->DataFileName());
+    return inserted;
 }
 
 oam_result CArrayPtrsToMObject::Remove(const char* name) noexcept {
@@ -103,6 +110,8 @@ oam_result CArrayPtrsToMObject::RemoveObject(KOR_CMObject* found, const char* na
     if (!FindByName(found->Name(), &index)) return OAMERR_NOT_FOUND;
     if (auto failed = TakeAt(index)) return failed;
     const std::unique_ptr<KOR_CMObject> object(found);
+    fileNumbers_.Remove(object->DataFileName());
+    nextName_.base[0] = '\0';
     if (object->RemoveFile() == OAM_SUCCESS) syncDataDirectory();
     (void)AlertNotify(OAMEVN_DELETED, OAM_INFORMATION, object->Name(), "%s", "");
     return OAM_SUCCESS;
@@ -121,6 +130,8 @@ bool CArrayPtrsToMObject::RemoveAll(bool removeFiles) noexcept {
         if (removeFiles && At(i)->RemoveFile() != OAM_SUCCESS && At(i)->HasFile()) areGone = false;
     }
     PointerArray::RemoveAll();
+    fileNumbers_.RemoveAll();
+    nextName_.base[0] = '\0';
     return areGone;
 }
 

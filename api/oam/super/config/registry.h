@@ -5,10 +5,14 @@
 //
 // A commit runs when a read-write handle is closed: ValidateChanges asks the board table and the
 // object itself, the object is saved, HandleChanges applies the change (and renames the object when
-// its "Name" changed). From validation until handling or clean-up the board table stays locked.
+// its "Name" changed). From validation until handling or clean-up the board table stays locked;
+// what the disk takes long for is done before and after that.
 #pragma once
 
+#include "data_file_numbers.h"
 #include "objects/object.h"
+
+class ObjectSaving;
 
 // What a successful close did, for the alert that follows it.
 struct ClosedObject {
@@ -64,11 +68,21 @@ class CArrayPtrsToMObject : public oam::NamedTable<KOR_CMObject> {
     // `name` is what the sink is told in a refusal; null: the object's own.
     oam_result RemoveObject(KOR_CMObject* found, const char* name) noexcept;
     oam_result Close(unsigned long handle, bool trap, ClosedObject* closed) noexcept;
-    oam_result ValidateChanges(unsigned long handle) noexcept;
+    oam_result ValidateChanges(unsigned long handle, ObjectSaving* saving) noexcept;
     oam_result ReadNewName(KOR_CMObject* object) noexcept;
-    void HandleChanges(int index) noexcept;
+    oam_result HandleChanges(int index, ObjectSaving* saving) noexcept;
     void Rename(int index) noexcept;
     void ValidateChangesCleanup(KOR_CMObject* object) noexcept;
 
+    int LowestDataFileNumber() const noexcept;
+
+    // The names "<base> 0" to "<base> <number - 1>" are taken; empty: nothing is known.
+    struct NextName {
+        char base[oam::kNameSize] = "";
+        int number = 0;
+    };
+
     PendingRename pending_;
+    DataFileNumbers fileNumbers_;
+    mutable NextName nextName_;
 };

@@ -11,6 +11,7 @@
 #include "durable_file.h"
 #include "import_aside.h"
 #include "mobjmgr.h"
+#include "object_saving.h"
 #include "open_objects.h"
 #include "xmo_reader.h"
 #include "xmo_writer.h"
@@ -27,9 +28,9 @@ oam_result dataDirectory(char (&directory)[oam::kPathSize]) noexcept {
     return GetFullPath(false, "/oam/cfg", directory, sizeof directory);
 }
 
-// A receiver, or a plug-in's entry, that asks for an import in the middle of another operation, which
-// would go on with objects and plug-ins that are gone. Of another import it would lose the files that
-// are set aside.
+// A receiver, or a plug-in's entry, that asks for an import in the middle of another operation,
+// which would go on with objects and plug-ins that are gone. Of another import it would lose the
+// files that are set aside.
 bool isWithinAnother() noexcept { return oam::ManagerMutex::Depth() > 1; }
 
 }  // namespace
@@ -74,7 +75,8 @@ oam_result CMObjMgr::Import(const char* fileName) noexcept {
     (void)_oamStopBoard(nullptr, OAM_SYNCHRONIZED);
     BoardCommExit();
     // An old file that stays would come back beside the new objects.
-    oam_result result = RemoveAll(true) ? ReadImport(&reader) : OAMERR_FILE_WRITE_ERROR;
+    oam_result result =
+        RemoveAll(true) ? ReadTogether(&reader, directory) : OAMERR_FILE_WRITE_ERROR;
     if (result == OAM_SUCCESS) result = EnsureSupervisor();
     if (result == OAM_SUCCESS) result = BoardCommInit();
     if (result == OAM_SUCCESS) {
@@ -87,6 +89,16 @@ oam_result CMObjMgr::Import(const char* fileName) noexcept {
     (void)Init();
     (void)BoardCommInit();
     return result;
+}
+
+// Until the import counts, a restart brings the old files back: it is enough that the new ones are
+// durable then, all at once.
+oam_result CMObjMgr::ReadTogether(CXmlImport* reader, const char* directory) noexcept {
+    {
+        const ObjectSaving::Together together;
+        if (auto failed = ReadImport(reader)) return failed;
+    }
+    return syncAll(directory) ? OAM_SUCCESS : OAMERR_FILE_WRITE_ERROR;
 }
 
 oam_result CMObjMgr::ReadImport(CXmlImport* reader) noexcept {

@@ -29,8 +29,12 @@ int CXmlExport::BegDir(const char* name) noexcept {
 
 int CXmlExport::SetNextKeyword(const char* name, const char* value) noexcept {
     if (stream_ == nullptr || !Indent()) return -1;
-    if (fprintf(stream_, "<%s>%s</>\n", name, value != nullptr ? value : "") < 0) return -1;
-    return ferror(stream_) == 0 ? 0 : -1;
+    const bool written = fputc_unlocked('<', stream_) != EOF &&
+                         fputs_unlocked(name, stream_) >= 0 &&
+                         fputc_unlocked('>', stream_) != EOF &&
+                         fputs_unlocked(value != nullptr ? value : "", stream_) >= 0 &&
+                         fputs_unlocked("</>\n", stream_) >= 0;
+    return written && ferror_unlocked(stream_) == 0 ? 0 : -1;
 }
 
 int CXmlExport::EndDir(const char* name) noexcept {
@@ -59,7 +63,7 @@ int CXmlExport::CloseStream(bool sync) noexcept {
 
 bool CXmlExport::Indent() noexcept {
     for (int i = 0; i < depth_; ++i) {
-        if (fputs("   ", stream_) < 0) return false;
+        if (fputs_unlocked("   ", stream_) < 0) return false;
     }
     return true;
 }
