@@ -34,9 +34,12 @@ oam_result AlertNotify(unsigned code, unsigned severity, const char* source, con
                        ...) noexcept {
     va_list arguments;
     va_start(arguments, format);
-    const AlertRecord record = makeRecord(code, severity, source, format, arguments);
+    RecordRoom room;
+    AlertRecord large;
+    const oam_msg_tag* record =
+        makeRecord(&room, &large, code, severity, source, format, arguments);
     va_end(arguments);
-    return record != nullptr ? dispatchAlert(record.get()) : OAMERR_NOT_ENOUGH_MEMORY;
+    return record != nullptr ? dispatchAlert(record) : OAMERR_NOT_ENOUGH_MEMORY;
 }
 
 oam_result AlertInit() noexcept {

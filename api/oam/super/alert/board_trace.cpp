@@ -1,7 +1,9 @@
 #include "board_trace.h"
 
 #include <algorithm>
+#include <charconv>
 #include <iterator>
+#include <string_view>
 
 #include "base/text.h"
 #include "log_file.h"
@@ -24,11 +26,45 @@ SeverityName severityName(unsigned severity) noexcept {
     return {'E', "ERROR"};
 }
 
+// A line put together before the log is locked: formats and pieces take longer than the write.
+class Line {
+  public:
+    Line& Add(std::string_view text) noexcept {
+        if (text.size() > sizeof text_ - length_) {
+            fits_ = false;
+        } else {
+            text.copy(text_ + length_, text.size());
+            length_ += text.size();
+        }
+        return *this;
+    }
+    Line& Add(unsigned number) noexcept {
+        char digits[12];
+        const auto [end, failed] = std::to_chars(digits, digits + sizeof digits, number);
+        return Add(std::string_view(digits, static_cast<size_t>(end - digits)));
+    }
+
+    // Otherwise it is to be written in pieces.
+    bool Fits() const noexcept { return fits_; }
+    bool WriteTo(FILE* stream) const noexcept {
+        return fwrite_unlocked(text_, 1, length_, stream) == length_;
+    }
+
+  private:
+    char text_[1024];
+    size_t length_ = 0;
+    bool fits_ = true;
+};
+
 class TraceStream {
   public:
     explicit TraceStream(FILE* stream) noexcept : stream_(stream) {}
     ~TraceStream() {
-        if (fflush(stream_) != 0) rewind(stream_);
+        if (fflush_unlocked(stream_) != 0) rewind(stream_);
+    }
+
+    void Checked(const Line& line) noexcept {
+        if (!line.WriteTo(stream_)) rewind(stream_);
     }
 
     template <class... Values>
@@ -59,10 +95,21 @@ oam_result writeRecord(const oam_msg_tag* message) noexcept {
     unsigned number = 0;
     const bool isBoard = _oamBoardGetNumber(oamMessageSource(message), &number) == OAM_SUCCESS;
 
+    const char* word = severityName(message->severity).word;
+    Line line;
+    line.Add("  <").Add(now.text).Add(" - ").Add(code).Add(" ").Add(word).Add(" ");
+    if (isBoard) line.Add(" Board ").Add(number);
+    line.Add("\"").Add(oamMessageSource(message)).Add("\">\n");
+    line.Add(oamMessageText(message)).Add("\n");
+
     return alertLog().Write([&](FILE* stream) {
         TraceStream trace(stream);
+        if (line.Fits()) {
+            trace.Checked(line);
+            return OAM_SUCCESS;
+        }
         trace.Checked("  <%s - %s", now.text, code);
-        trace.Checked(" %s ", severityName(message->severity).word);
+        trace.Checked(" %s ", word);
         if (isBoard) trace.Checked(" Board %lu", static_cast<unsigned long>(number));
         trace.Text("\"");
         trace.Text(oamMessageSource(message));
@@ -83,11 +130,16 @@ void FormatOammonLog(const oam_msg_tag* message) noexcept {
 }
 
 oam_result writePlainLine(const oam_msg_tag* message) noexcept {
-    return alertLog().Write([message](FILE* stream) {
-        const bool written =
-            fprintf(stream, "%s(%c): %s\n", oamMessageSource(message),
-                    severityName(message->severity).letter, oamMessageText(message)) >= 0;
-        const bool flushed = fflush(stream) == 0;
+    const char letter = severityName(message->severity).letter;
+    Line line;
+    line.Add(oamMessageSource(message)).Add("(").Add({&letter, 1}).Add("): ");
+    line.Add(oamMessageText(message)).Add("\n");
+    return alertLog().Write([&](FILE* stream) {
+        const bool written = line.Fits()
+                                 ? line.WriteTo(stream)
+                                 : fprintf(stream, "%s(%c): %s\n", oamMessageSource(message),
+                                           letter, oamMessageText(message)) >= 0;
+        const bool flushed = fflush_unlocked(stream) == 0;
         return written && flushed ? OAM_SUCCESS : OAMERR_FILE_WRITE_ERROR;
     });
 }

@@ -46,8 +46,19 @@ oam_result writeLog(const oam_msg_tag* message) noexcept {
     return OAM_SUCCESS;
 }
 
+// Few enough clients take no memory.
 struct ClientCopy {
-    std::unique_ptr<unsigned long[]> clients;
+    static constexpr int kFew = 32;
+
+    unsigned long* MakeRoom(int needed) noexcept {
+        if (needed <= kFew) return few;
+        many.reset(new (std::nothrow) unsigned long[static_cast<size_t>(needed)]);
+        return many.get();
+    }
+
+    unsigned long few[kFew];
+    std::unique_ptr<unsigned long[]> many;
+    const unsigned long* clients = nullptr;
     int count = 0;
 };
 
@@ -56,11 +67,12 @@ struct ClientCopy {
 oam_result copyClients(ClientCopy* copy) noexcept {
     CArrayPtrsToClient& table = alertClients();
     KorGuard hold(table.Mutex());
-    copy->clients.reset(new (std::nothrow) unsigned long[static_cast<size_t>(table.Count())]);
-    if (copy->clients == nullptr) return OAMERR_NOT_ENOUGH_MEMORY;
+    unsigned long* clients = copy->MakeRoom(table.Count());
+    if (clients == nullptr) return OAMERR_NOT_ENOUGH_MEMORY;
+    copy->clients = clients;
     for (int i = 0; i < table.Count(); ++i) {
         const unsigned long client = table.ClientAt(i);
-        if (client != OAM_INTERNAL_CLIENT) copy->clients[copy->count++] = client;
+        if (client != OAM_INTERNAL_CLIENT) clients[copy->count++] = client;
     }
     return OAM_SUCCESS;
 }

@@ -6,9 +6,9 @@
 // next. A receiver that raises alerts enters its own lane again.
 #pragma once
 
+#include <atomic>
 #include <condition_variable>
 #include <mutex>
-#include <thread>
 
 #include "oam/codes.h"
 #include "record.h"
@@ -23,20 +23,41 @@ class ReceiverLane {
     // could not be made.
     oam_result Deliver(const oam_msg_tag* message) noexcept;
 
+    // Marks the calling thread as inside a lane.
+    class Inside {
+      public:
+        explicit Inside(const ReceiverLane* lane) noexcept;
+        ~Inside();
+        Inside(const Inside&) = delete;
+        Inside& operator=(const Inside&) = delete;
+
+        static bool Is(const ReceiverLane* lane) noexcept;
+
+      private:
+        const ReceiverLane* const lane_;
+        const Inside* const outer_;
+    };
+
   private:
+    // Wanted: somebody waits, or has left a copy. A lane that nobody else wants is entered and left
+    // without a lock.
+    enum State : int { kFree, kBusy, kWanted };
+
     struct Waiting {
         AlertRecord record;
         int depth;  // of foreign code on the thread that left it
         Waiting* next = nullptr;
     };
 
+    bool Enter() noexcept;
+    void DeliverCopies() noexcept;
     oam_result LeaveCopy(const oam_msg_tag* message) noexcept;
 
     const Receiver receiver_;
+    std::atomic<int> state_{kFree};
+    // What follows: of those who want a lane in which somebody is.
     std::mutex mutex_;
     std::condition_variable left_;
-    bool busy_ = false;
-    std::thread::id inside_;
     Waiting* first_ = nullptr;
     Waiting** last_ = &first_;
 };

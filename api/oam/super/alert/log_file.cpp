@@ -27,12 +27,21 @@ oam_result backupPath(const char* path, char (&backup)[oam::kScanPathSize]) noex
 
 TimeStamp::TimeStamp() noexcept {
     constexpr size_t kYearAndNewline = 6;
+    // The text of a second is made once by each thread.
+    static thread_local time_t textOf = -1;
+    static thread_local char known[sizeof text];
     const time_t now = time(nullptr);
+    if (now == textOf) {
+        memcpy(text, known, sizeof text);
+        return;
+    }
     char standard[32] = "";
     if (ctime_r(&now, standard) == nullptr) standard[0] = '\0';
     const size_t length = strlen(standard);
     standard[length > kYearAndNewline ? length - kYearAndNewline : 0] = '\0';
     oam::CopyCut(standard, text, sizeof text);
+    memcpy(known, text, sizeof text);
+    textOf = now;
 }
 
 oam_result LogFile::Begin(const char* path) noexcept {

@@ -16,8 +16,8 @@ AlertRecord allocate(size_t size) noexcept {
 
 }  // namespace
 
-AlertRecord makeRecord(unsigned code, unsigned severity, const char* source, const char* format,
-                       va_list arguments) noexcept {
+oam_msg_tag* makeRecord(RecordRoom* room, AlertRecord* large, unsigned code, unsigned severity,
+                        const char* source, const char* format, va_list arguments) noexcept {
     char text[kTextSize];
     int length = vsnprintf(text, sizeof text, format, arguments);
     // Kept: only a failure or a text of exactly the buffer's size is corrected. A longer text is
@@ -29,14 +29,21 @@ AlertRecord makeRecord(unsigned code, unsigned severity, const char* source, con
 
     const size_t sourceLength = strlen(source);
     const size_t size = sourceLength + static_cast<size_t>(length) + kHeaderSize + 2;
-    AlertRecord record = allocate(size);
-    if (record == nullptr) return record;
+    oam_msg_tag* record;
+    if (size <= sizeof room->bytes) {
+        memset(room->bytes, 0, size);
+        record = reinterpret_cast<oam_msg_tag*>(room->bytes);
+    } else {
+        *large = allocate(size);
+        record = large->get();
+    }
+    if (record == nullptr) return nullptr;
     record->size = static_cast<uint32_t>(size);
     record->code = code;
     record->severity = severity;
     record->sourceOffset = kHeaderSize;
     record->textOffset = static_cast<uint32_t>(kHeaderSize + sourceLength + 1);
-    char* bytes = reinterpret_cast<char*>(record.get());
+    char* bytes = reinterpret_cast<char*>(record);
     memcpy(bytes + record->sourceOffset, source, sourceLength + 1);
     memcpy(bytes + record->textOffset, text, strlen(text) + 1);
     return record;
