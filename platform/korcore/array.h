@@ -194,6 +194,10 @@ class CKorSharedMemoryArray {
     bool Lock() noexcept NO_THREAD_SAFETY_ANALYSIS { return mutex_.Lock(); }
     void Unlock() noexcept NO_THREAD_SAFETY_ANALYSIS { mutex_.Unlock(); }
 
+    // For a hold of microseconds (CKorMutex::LockBriefly).
+    bool LockBriefly() noexcept NO_THREAD_SAFETY_ANALYSIS { return mutex_.LockBriefly(); }
+    void UnlockBriefly() noexcept NO_THREAD_SAFETY_ANALYSIS { mutex_.UnlockBriefly(); }
+
     // Leaves the segment to the others; from now on this object holds nothing.
     void Close() noexcept {
         const bool held = Lock();

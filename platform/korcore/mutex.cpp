@@ -14,6 +14,7 @@ CKorLightMutex::CKorLightMutex(int) noexcept {
 CKorLightMutex::~CKorLightMutex() { pthread_mutex_destroy(&mutex_); }
 
 bool CKorLightMutex::Lock(unsigned timeout) noexcept {
+    if (timeout == kKorForever) return pthread_mutex_lock(&mutex_) == 0;
     return KorDeadline(timeout).Take(&mutex_) == 0;
 }
 
@@ -38,6 +39,19 @@ void CKorMutex::Unlock() noexcept {
         own_.Unlock();
     } else if (shared_ != nullptr) {
         shared_->Unlock();
+    }
+}
+
+bool CKorMutex::LockBriefly() noexcept {
+    if (!named_) return own_.Lock();
+    return shared_ != nullptr && shared_->LockBriefly();
+}
+
+void CKorMutex::UnlockBriefly() noexcept {
+    if (!named_) {
+        own_.Unlock();
+    } else if (shared_ != nullptr) {
+        shared_->UnlockBriefly();
     }
 }
 

@@ -13,6 +13,15 @@ KorNamedLock* s_registry = nullptr;
 pthread_once_t s_forkHandlersOnce = PTHREAD_ONCE_INIT;
 bool s_forkHandlersSet = false;
 
+// Whether a lock would not wait; false where that cannot be seen. Not by trying: see deadline.cpp.
+bool looksFree([[maybe_unused]] const pthread_mutex_t& mutex) {
+#if defined(__GLIBC__)
+    return __atomic_load_n(&mutex.__data.__lock, __ATOMIC_RELAXED) == 0;
+#else
+    return false;
+#endif
+}
+
 bool trustRecord(void* data, size_t size, void*) { return korTrustLockRecord(data, size); }
 
 bool replaceMutex(void* data, size_t, void* lostGeneration) {
@@ -104,6 +113,20 @@ void KorNamedLock::Unlock() noexcept {
     pthread_mutex_unlock(&inProcess_);
 }
 
+bool KorNamedLock::LockBriefly() noexcept { return Lock(kKorForever); }
+
+// The caller holds it, so the level in the process need not be taken to find that out.
+void KorNamedLock::UnlockBriefly() noexcept {
+    if (--depth_ == 0) {
+        if (wasFree_) {
+            pthread_mutex_unlock(inFile_);
+        } else {
+            ReleaseLevelInFile();
+        }
+    }
+    pthread_mutex_unlock(&inProcess_);
+}
+
 bool KorNamedLock::IsUsable() const noexcept { return !lost_ && file_.IsWhole(); }
 
 bool KorNamedLock::TakeLevelInProcess(const KorDeadline& deadline) noexcept {
@@ -119,6 +142,7 @@ bool KorNamedLock::TakeLevelInFile(const KorDeadline& deadline) noexcept {
     while (IsUsable()) {
         uint32_t generation = record->generation.load(std::memory_order_acquire);
         pthread_mutex_t* mutex = record->MutexOf(generation);
+        wasFree_ = looksFree(*mutex);
         switch (deadline.Take(mutex)) {
             case EOWNERDEAD:
                 if (pthread_mutex_consistent(mutex) != 0) return false;

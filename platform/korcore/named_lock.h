@@ -24,6 +24,9 @@ class KorNamedLock {
 
     bool Lock(unsigned timeout) noexcept;
     void Unlock() noexcept;
+    // By the thread that will give it back briefly, or that holds it already.
+    bool LockBriefly() noexcept;
+    void UnlockBriefly() noexcept;
     bool IsUsable() const noexcept;
 
   private:
@@ -46,6 +49,7 @@ class KorNamedLock {
     // Under inProcess_.
     unsigned depth_ = 0;
     pthread_mutex_t* inFile_ = nullptr;
+    bool wasFree_ = false;  // when the level in the file was taken
     // The file was cut short while the lock was held. It stays lost.
     std::atomic<bool> lost_{false};
     // Under the registry's mutex.

@@ -36,11 +36,22 @@ struct CKorStreamSharedMemory::Journal {
 
 namespace {
 
-// FNV-1a. It tells an image that a Replace wrote from chance, not from malice.
+// In the manner of FNV-1a, four words of eight bytes side by side, the rest by bytes. It tells an
+// image that a Replace wrote from chance, not from malice.
 uint64_t checksumOf(uint64_t length, const unsigned char* image) {
     constexpr uint64_t kPrime = 0x100000001B3;
-    uint64_t sum = (0xCBF29CE484222325 ^ length) * kPrime;
-    for (uint64_t i = 0; i < length; ++i) sum = (sum ^ image[i]) * kPrime;
+    constexpr uint64_t kStart = 0xCBF29CE484222325;
+    uint64_t sums[4] = {kStart ^ length, kStart + 1, kStart + 2, kStart + 3};
+    uint64_t i = 0;
+    for (; length - i >= sizeof sums; i += sizeof sums) {
+        uint64_t words[4];
+        std::memcpy(words, image + i, sizeof words);
+        for (int k = 0; k < 4; ++k) sums[k] = (sums[k] ^ words[k]) * kPrime;
+    }
+    uint64_t sum = kStart;
+    // What a product moves upwards comes down again.
+    for (const uint64_t part : sums) sum = (sum ^ part ^ part >> 32) * kPrime;
+    for (; i < length; ++i) sum = (sum ^ image[i]) * kPrime;
     return sum;
 }
 

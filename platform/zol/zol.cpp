@@ -77,8 +77,11 @@ int zolStrnicmp(const char* left, const char* right, unsigned long count) noexce
     if (left == nullptr) left = "";
     if (right == nullptr) right = "";
     for (; count > 0; --count, ++left, ++right) {
-        const int difference = fold(*left) - fold(*right);
-        if (difference != 0 || *left == '\0') return difference;
+        if (*left == *right) {
+            if (*left == '\0') return 0;
+        } else if (const int difference = fold(*left) - fold(*right)) {
+            return difference;
+        }
     }
     return 0;
 }

@@ -16,6 +16,9 @@ struct CBoardIDShadow {
     CBoardIDShadow(const char* boardName, unsigned boardNumber, const char* driver,
                    const char* boardId, bool aLaw) noexcept;
 
+    // What lies in a segment.
+    explicit CBoardIDShadow(const unsigned char* bytes) noexcept;
+
     // Ends texts that another process has left without a NUL.
     void Terminate() noexcept;
 
@@ -69,11 +72,11 @@ class CBoardIDsShadow : public CKorSharedMemoryArray<CBoardIDShadow> {
     // the lock cannot be had or the contents are not a shadow's.
     template <class Use>
     oam_result Read(Use use) noexcept {
-        if (!Lock()) return OAMERR_NOT_ENOUGH_MEMORY;
+        if (!LockBriefly()) return OAMERR_NOT_ENOUGH_MEMORY;
         Stream().Recover();
         const Contents contents(Stream().Bytes());
         const oam_result result = contents.IsValid() ? use(contents) : OAMERR_NOT_ENOUGH_MEMORY;
-        Unlock();
+        UnlockBriefly();
         return result;
     }
 
@@ -95,6 +98,11 @@ class CBoardIDsShadow : public CKorSharedMemoryArray<CBoardIDShadow> {
                              int* index) const noexcept;
 
       private:
+        // A record's text, without a copy. Another process may have left it without a NUL, or write
+        // it now: never more than the field is looked at.
+        const char* TextAt(int index, size_t field) const noexcept;
+        unsigned NumberAt(int index) const noexcept;
+
         const unsigned char* bytes_;
         int count_ = 0;
     };

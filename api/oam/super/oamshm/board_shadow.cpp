@@ -18,6 +18,15 @@ constexpr size_t flagOffset(int count) noexcept {
     return kRecords + static_cast<size_t>(count) * kRecordSize;
 }
 
+// As zolStricmp of the field's text, which ends at the latest where the field does.
+int compareField(const char* field, size_t size, const char* text) noexcept {
+    const size_t most = size - 1;
+    const int order = zolStrnicmp(field, text, most);
+    if (order != 0) return order;
+    // Equal as far as the field goes; the text may go on.
+    return text != nullptr && strnlen(text, size) == size ? -1 : 0;
+}
+
 }  // namespace
 
 CBoardIDShadow::CBoardIDShadow() noexcept : CBoardIDShadow("", 0, "", "", false) {}
@@ -30,6 +39,11 @@ CBoardIDShadow::CBoardIDShadow(const char* boardName, unsigned boardNumber, cons
     oam::CopyCut(driver, driverName, sizeof driverName);
     oam::CopyCut(boardId, driverBoardId, sizeof driverBoardId);
     isALaw = aLaw ? 1 : 0;
+}
+
+CBoardIDShadow::CBoardIDShadow(const unsigned char* bytes) noexcept {
+    memcpy(static_cast<void*>(this), bytes, sizeof *this);
+    Terminate();
 }
 
 void CBoardIDShadow::Terminate() noexcept {
@@ -93,10 +107,17 @@ CBoardIDsShadow::Contents::Contents(const unsigned char* bytes) noexcept : bytes
 }
 
 CBoardIDShadow CBoardIDsShadow::Contents::At(int index) const noexcept {
-    CBoardIDShadow board;
-    memcpy(static_cast<void*>(&board), bytes_ + flagOffset(index), kRecordSize);
-    board.Terminate();
-    return board;
+    return CBoardIDShadow(bytes_ + flagOffset(index));
+}
+
+const char* CBoardIDsShadow::Contents::TextAt(int index, size_t field) const noexcept {
+    return reinterpret_cast<const char*>(bytes_ + flagOffset(index) + field);
+}
+
+unsigned CBoardIDsShadow::Contents::NumberAt(int index) const noexcept {
+    uint32_t number;
+    memcpy(&number, bytes_ + flagOffset(index) + offsetof(CBoardIDShadow, number), sizeof number);
+    return number;
 }
 
 bool CBoardIDsShadow::Contents::IsUsingVxPlugin() const noexcept {
@@ -108,7 +129,8 @@ bool CBoardIDsShadow::Contents::FindByName(const char* name, int* index) const n
     int high = count_;
     while (low < high) {
         const int middle = (low + high) / 2;
-        const int order = zolStricmp(At(middle).name, name);
+        const int order = compareField(TextAt(middle, offsetof(CBoardIDShadow, name)),
+                                       sizeof CBoardIDShadow::name, name);
         if (order == 0) {
             *index = middle;
             return true;
@@ -125,7 +147,7 @@ bool CBoardIDsShadow::Contents::FindByName(const char* name, int* index) const n
 
 bool CBoardIDsShadow::Contents::FindByNumber(unsigned number, int* index) const noexcept {
     for (*index = 0; *index < count_; ++*index) {
-        if (At(*index).number == number) return true;
+        if (NumberAt(*index) == number) return true;
     }
     return false;
 }
@@ -133,9 +155,10 @@ bool CBoardIDsShadow::Contents::FindByNumber(unsigned number, int* index) const 
 bool CBoardIDsShadow::Contents::FindByDriverIDs(const char* driverName, const char* driverBoardId,
                                                 int* index) const noexcept {
     for (*index = 0; *index < count_; ++*index) {
-        const CBoardIDShadow board = At(*index);
-        if (oam::EqualNoCase(board.driverName, driverName) &&
-            oam::EqualNoCase(board.driverBoardId, driverBoardId)) {
+        if (compareField(TextAt(*index, offsetof(CBoardIDShadow, driverName)),
+                         sizeof CBoardIDShadow::driverName, driverName) == 0 &&
+            compareField(TextAt(*index, offsetof(CBoardIDShadow, driverBoardId)),
+                         sizeof CBoardIDShadow::driverBoardId, driverBoardId) == 0) {
             return true;
         }
     }
