@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstring>
 #include <string_view>
 
@@ -26,8 +27,22 @@ bool isWhite(char character) noexcept {
 // What the reader takes as it stands: nothing to trim, no mark of another kind of tag.
 bool isPlainTag(std::string_view tag) noexcept {
     return !tag.empty() && tag.size() <= kMostInToken && !isWhite(tag.front()) &&
-           !isWhite(tag.back()) && tag.front() != '?' && tag.front() != '!' && tag.front() != '/' &&
-           memchr(tag.data(), '\\', tag.size()) == nullptr;
+           !isWhite(tag.back()) && tag.front() != '?' && tag.front() != '!' && tag.front() != '/';
+}
+
+// A backslash is a place in the reader's path.
+bool hasBackslash(std::string_view text) noexcept {
+    return memchr(text.data(), '\\', text.size()) != nullptr;
+}
+
+// What both begin with is passed in words: names that follow each other have much in common.
+bool isAscending(std::string_view before, std::string_view after) noexcept {
+    const size_t shorter = std::min(before.size(), after.size());
+    size_t same = 0;
+    while (same + 8 <= shorter && memcmp(before.data() + same, after.data() + same, 8) == 0) {
+        same += 8;
+    }
+    return zolStricmp(before.data() + same, after.data() + same) < 0;
 }
 
 bool isPlainValue(std::string_view value) noexcept {
@@ -116,7 +131,10 @@ bool DataFileImage::Split(char* text, size_t length) noexcept {
     }
     name_ = name.data();
     bool hasValue = false;
-    const char* before = nullptr;
+    std::string_view before;
+    // Looked for once in all, since nearly no file has any.
+    const bool mayHaveBackslash = hasBackslash({text, length});
+    if (mayHaveBackslash && hasBackslash(name)) return false;
     while (rest.Skip(kKeywordIndent)) {
         std::string_view keyword;
         std::string_view value;
@@ -126,8 +144,9 @@ bool DataFileImage::Split(char* text, size_t length) noexcept {
         }
         // Both after a backslash, in the reader's path.
         if (name.size() + keyword.size() + 2 >= XmoPath::kSize) return false;
-        if (before != nullptr && zolStricmp(before, keyword.data()) >= 0) return false;
-        before = keyword.data();
+        if (mayHaveBackslash && hasBackslash(keyword)) return false;
+        if (before.data() != nullptr && !isAscending(before, keyword)) return false;
+        before = keyword;
         hasValue = hasValue || !value.empty();
         if (!keywords_.Add(keyword.data(), value.data())) return false;
     }
