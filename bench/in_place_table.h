@@ -17,7 +17,9 @@ constexpr int kShadowBoards = 31;
 struct InPlaceRecord {
     char name[132];
     unsigned number;
-    char rest[196];
+    char driverName[129];
+    char driverBoardId[65];
+    char isALaw;
 };
 static_assert(sizeof(InPlaceRecord) == 332);
 
@@ -45,9 +47,18 @@ class InPlaceTable {
         return found;
     }
 
-    void Write(const InPlaceRecord* records) {
+    // Each record from its texts.
+    void Write(const char (*names)[32], unsigned first) {
         pthread_mutex_lock(&mutex_);
-        std::memcpy(records_, records, sizeof records_);
+        for (int i = 0; i < kShadowBoards; ++i) {
+            InPlaceRecord& record = records_[i];
+            std::memset(&record, 0, sizeof record);
+            std::strcpy(record.name, names[i]);
+            record.number = first + static_cast<unsigned>(i);
+            std::strcpy(record.driverName, "driver");
+            std::strcpy(record.driverBoardId, "7");
+            record.isALaw = 1;
+        }
         pthread_mutex_unlock(&mutex_);
     }
 

@@ -32,12 +32,9 @@ int timeLookUps(int count, Find find) {
 int limit(int count) {
     InPlaceTable* table = InPlaceTable::Make();
     if (table == nullptr) return 1;
-    static InPlaceRecord records[kShadowBoards];
-    for (int i = 0; i < kShadowBoards; ++i) {
-        std::strcpy(records[i].name, boardName(i).c_str());
-        records[i].number = static_cast<unsigned>(i);
-    }
-    table->Write(records);
+    char names[kShadowBoards][32];
+    for (int i = 0; i < kShadowBoards; ++i) std::strcpy(names[i], boardName(i).c_str());
+    table->Write(names, 0);
     return timeLookUps(
         count, [=](const char* name, unsigned* number) { return table->Find(name, number); });
 }
