@@ -1,7 +1,5 @@
 #include "remote/remote_service.h"
 
-#include <grpcpp/create_channel_posix.h>
-
 #include <fstream>
 
 #include "console.h"
@@ -13,6 +11,7 @@
 #include "remote/remote_daemon.h"
 #include "remote/remote_operations.h"
 #include "remote/stubs.h"
+#include "wire/daemon_channel.h"
 
 namespace oam {
 namespace {
@@ -314,8 +313,7 @@ std::unique_ptr<Service> connected(const std::shared_ptr<grpc::Channel>& channel
 
 std::unique_ptr<Service> ConnectRemoteService(int descriptor, Console& console,
                                               const Interruption& interruption) {
-    return connected(grpc::CreateInsecureChannelFromFd("oamd", descriptor), console, interruption,
-                     "");
+    return connected(wire::ChannelOver(descriptor), console, interruption, "");
 }
 
 std::unique_ptr<Service> ConnectRemoteHost(const RemoteHost& host, Console& console,

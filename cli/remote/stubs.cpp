@@ -1,6 +1,6 @@
 #include "remote/stubs.h"
 
-#include "oam/v1/refusal.pb.h"
+#include "wire/daemon_channel.h"
 
 namespace oam {
 namespace {
@@ -23,13 +23,13 @@ ExitStatus statusOf(grpc::StatusCode code) {
 }  // namespace
 
 Failure FailureOf(const grpc::Status& status) {
-    v1::Refusal refusal;
-    if (status.error_details().empty() || !refusal.ParseFromString(status.error_details()))
+    const auto refusal = wire::RefusalIn(status);
+    if (!refusal)
         return Failure("the daemon does not answer: " + status.error_message(),
                        "`systemctl status oamd` tells how it is", statusOf(status.error_code()));
     const ExitStatus exit =
-        refusal.code() ? StatusOf(refusal.code()) : statusOf(status.error_code());
-    return {refusal.code(), exit, refusal.rule(), refusal.remedy()};
+        refusal->code() ? StatusOf(refusal->code()) : statusOf(status.error_code());
+    return {refusal->code(), exit, refusal->rule(), refusal->remedy()};
 }
 
 }  // namespace oam
