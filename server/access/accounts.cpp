@@ -54,6 +54,10 @@ std::optional<uid_t> UserNumber(const std::string& name) {
         [](const passwd& record) { return record.pw_uid; });
 }
 
+std::optional<gid_t> PrimaryGroup(uid_t user) {
+    return lookUpUser(user, [](const passwd& record) { return record.pw_gid; });
+}
+
 std::optional<gid_t> GroupNumber(const std::string& name) {
     return look<group>(
         [&](group* record, char* buffer, std::size_t size, group** found) {

@@ -11,6 +11,7 @@ namespace oam::server {
 
 std::optional<std::string> UserName(uid_t user);
 std::optional<uid_t> UserNumber(const std::string& name);
+std::optional<gid_t> PrimaryGroup(uid_t user);
 std::optional<gid_t> GroupNumber(const std::string& name);
 
 }  // namespace oam::server

@@ -2,12 +2,15 @@
 
 #include <grpcpp/security/auth_context.h>
 
+#include <algorithm>
 #include <new>
 
+#include "access/accounts.h"
 #include "failure.h"
 #include "foreign_text.h"
 #include "journal/journal.h"
 #include "transport/refusal_status.h"
+#include "wire/daemon_channel.h"
 
 namespace oam::server {
 namespace {
@@ -62,6 +65,30 @@ Caller callerOf(const grpc::ServerContextBase& context, const Callers& callers) 
     return caller;
 }
 
+std::optional<std::string> metadataOf(const grpc::ServerContextBase& context, const char* key) {
+    const auto found = context.client_metadata().find(key);
+    if (found == context.client_metadata().end()) return std::nullopt;
+    return std::string(found->second.data(), found->second.size());
+}
+
+// Whom the caller says it speaks for. A user that nobody knows, and one of both kinds at once, is
+// somebody without any rights.
+std::optional<Caller> representedBy(const grpc::ServerContextBase& context) {
+    const auto user = metadataOf(context, wire::kForUser);
+    const auto certificate = metadataOf(context, wire::kForCertificate);
+    if (!user && !certificate) return std::nullopt;
+    Caller caller;
+    if (user && certificate) return caller;
+    if (certificate) {
+        caller.certificate = *certificate;
+    } else if (user->find('\0') == user->npos) {
+        caller.user = UserNumber(*user);
+        const auto primary = caller.user ? PrimaryGroup(*caller.user) : std::nullopt;
+        if (primary) caller.groups = GroupsOf(*caller.user, *primary);
+    }
+    return caller;
+}
+
 }  // namespace
 
 Calls::Calls(const Callers& callers, Lanes& lanes, Journal& journal)
@@ -90,6 +117,10 @@ grpc::Status Calls::Admit(const grpc::ServerContextBase& context, const Verb& ve
     call->caller = callerOf(context, callers_);
     call->role = roles->Of(call->caller);
     call->user = Shown(call->caller.Name());
+    if (const auto represented = representedBy(context)) {
+        call->role = std::min(call->role, roles->Of(*represented));
+        call->user = Shown(represented->Name()) + " via " + call->user;
+    }
     if (call->role >= verb.role) return grpc::Status::OK;
     journal_.Denied(*call, verb, object);
     return Refused(grpc::StatusCode::PERMISSION_DENIED,

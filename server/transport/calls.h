@@ -28,8 +28,9 @@ struct Verb {
 // A verb of one caller.
 struct Call {
     Caller caller;
+    // The caller's; the lower one, when the caller speaks for somebody else.
     Role role = Role::kNone;
-    std::string user;  // the caller's name
+    std::string user;  // the caller's name; "alice via oam-console" for one who speaks for alice
 };
 
 class Calls {

@@ -6,6 +6,7 @@
 #include <random>
 
 #include "daemon_test.h"
+#include "wire/daemon_channel.h"
 #include "wire/local_socket.h"
 
 namespace oam::test {
@@ -47,6 +48,36 @@ TEST_F(DaemonAccess, StaysAsItWasWhenTheRolesFileIsWrong) {
     daemon->AwaitError("roles.conf:1: ");
     Client client(home);
     EXPECT_TRUE(Change(client, "Number", "40").ok());
+}
+
+// Who the daemon takes a caller for that names somebody else in its metadata.
+v1::HostInfo hostAs(Client& client, const std::map<std::string, std::string>& metadata) {
+    grpc::ClientContext context;
+    for (const auto& [key, name] : metadata) context.AddMetadata(key, name);
+    v1::HostInfo info;
+    const auto status = client.host->GetHost(&context, v1::GetHostRequest(), &info);
+    if (status.error_code() == grpc::StatusCode::PERMISSION_DENIED) info.set_role("none");
+    return info;
+}
+
+TEST_F(DaemonAccess, OfOneWhoSpeaksForAnotherIsTheLowerOneOfBothRoles) {
+    home.Write("oam/roles.conf",
+               "user root configurator\n"
+               "user games viewer\nuser man admin\ncertificate noc.test operator\n");
+    daemon->Signal(SIGHUP);
+    daemon->AwaitError("roles were read again");
+    if (getuid() != 0) GTEST_SKIP() << "the rules name root, who does not run this test";
+    Client client(home);
+    EXPECT_EQ(hostAs(client, {}).role(), "configurator");
+    EXPECT_EQ(hostAs(client, {{wire::kForUser, "games"}}).role(), "viewer");
+    EXPECT_EQ(hostAs(client, {{wire::kForUser, "games"}}).user(), "games via root");
+    EXPECT_EQ(hostAs(client, {{wire::kForUser, "man"}}).role(), "configurator");
+    EXPECT_EQ(hostAs(client, {{wire::kForCertificate, "noc.test"}}).role(), "operator");
+    EXPECT_EQ(hostAs(client, {{wire::kForCertificate, "other.test"}}).role(), "none");
+    EXPECT_EQ(hostAs(client, {{wire::kForUser, "nobody-of-this-name"}}).role(), "none");
+    EXPECT_EQ(hostAs(client, {{wire::kForUser, std::string("games\0x", 7)}}).role(), "none");
+    EXPECT_EQ(hostAs(client, {{wire::kForUser, "man"}, {wire::kForCertificate, "noc.test"}}).role(),
+              "none");
 }
 
 TEST_F(DaemonAccess, RefusalsNameTheKeywordTheValueAndTheRule) {
