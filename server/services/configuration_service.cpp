@@ -5,6 +5,7 @@
 #include <optional>
 
 #include "configuration/configuration_keeper.h"
+#include "configuration/import_preview.h"
 #include "configuration/scratch_file.h"
 #include "configuration_file.h"
 #include "failure.h"
@@ -75,65 +76,6 @@ class Exporter : public grpc::ServerWriteReactor<v1::ExportResponse> {
     v1::ExportResponse response_;
 };
 
-class Importer : public grpc::ServerReadReactor<v1::ImportRequest> {
-  public:
-    Importer(Core& core, const Call& call, v1::ImportResponse* response)
-        : core_(&core), call_(call), response_(response) {
-        try {
-            file_.emplace(core.directory);
-        } catch (const std::exception& error) {
-            Finish(Refused(grpc::StatusCode::INTERNAL, error.what()));
-            return;
-        }
-        StartRead(&request_);
-    }
-    explicit Importer(const grpc::Status& refusal) { Finish(refusal); }
-
-    void OnReadDone(bool ok) override {
-        if (!ok) return isCancelled_ ? Finish(grpc::Status::CANCELLED) : Import();
-        if (file_->Size() + request_.piece().size() > kLargestFile)
-            return Finish(Refused(grpc::StatusCode::INVALID_ARGUMENT, "the file is too long"));
-        try {
-            file_->Append(request_.piece());
-        } catch (const std::exception& error) {
-            return Finish(Refused(grpc::StatusCode::RESOURCE_EXHAUSTED, error.what()));
-        }
-        StartRead(&request_);
-    }
-    // A client that went away has not sent all of it.
-    void OnCancel() override { isCancelled_ = true; }
-    void OnDone() override { delete this; }
-
-  private:
-    void Import() {
-        core_->calls.StartAlone(
-            call_, kImport,
-            [this](const Call& call) {
-                const TransferFile judged = JudgeImport(file_->Path());
-                response_->set_objects(static_cast<unsigned>(judged.objects));
-                for (const Finding& finding : judged.findings) {
-                    auto* const told = response_->add_findings();
-                    told->set_line(finding.at.line);
-                    told->set_column(finding.at.column);
-                    told->set_text(finding.text);
-                }
-                if (judged.findings.empty())
-                    response_->set_generation(core_->configuration.Change(
-                        call.user, "import", "", [this] { ImportConfiguration(file_->Path()); }));
-                core_->names.Forget();
-                return grpc::Status::OK;
-            },
-            [this](const grpc::Status& status) { Finish(status); });
-    }
-
-    Core* core_ = nullptr;
-    Call call_;
-    v1::ImportResponse* response_ = nullptr;
-    std::optional<ScratchFile> file_;
-    v1::ImportRequest request_;
-    std::atomic<bool> isCancelled_{false};
-};
-
 void tell(const std::vector<KeywordChange>& changes,
           google::protobuf::RepeatedPtrField<v1::KeywordChange>* told) {
     for (const KeywordChange& change : changes) {
@@ -165,6 +107,72 @@ void tell(const std::vector<ObjectDifference>& differences,
         tell(difference.changes, one->mutable_changes());
     }
 }
+
+class Importer : public grpc::ServerReadReactor<v1::ImportRequest> {
+  public:
+    Importer(Core& core, const Call& call, v1::ImportResponse* response)
+        : core_(&core), call_(call), response_(response) {
+        try {
+            file_.emplace(core.directory);
+        } catch (const std::exception& error) {
+            Finish(Refused(grpc::StatusCode::INTERNAL, error.what()));
+            return;
+        }
+        StartRead(&request_);
+    }
+    explicit Importer(const grpc::Status& refusal) { Finish(refusal); }
+
+    void OnReadDone(bool ok) override {
+        if (!ok) return isCancelled_ ? Finish(grpc::Status::CANCELLED) : Import();
+        if (file_->Size() + request_.piece().size() > kLargestFile)
+            return Finish(Refused(grpc::StatusCode::INVALID_ARGUMENT, "the file is too long"));
+        isPreview_ = isPreview_ || request_.preview();
+        try {
+            file_->Append(request_.piece());
+        } catch (const std::exception& error) {
+            return Finish(Refused(grpc::StatusCode::RESOURCE_EXHAUSTED, error.what()));
+        }
+        StartRead(&request_);
+    }
+    // A client that went away has not sent all of it.
+    void OnCancel() override { isCancelled_ = true; }
+    void OnDone() override { delete this; }
+
+  private:
+    void Import() {
+        core_->calls.StartAlone(
+            call_, kImport,
+            [this](const Call& call) {
+                const TransferFile judged = JudgeImport(file_->Path());
+                response_->set_objects(static_cast<unsigned>(judged.objects));
+                for (const Finding& finding : judged.findings) {
+                    auto* const told = response_->add_findings();
+                    told->set_line(finding.at.line);
+                    told->set_column(finding.at.column);
+                    told->set_text(finding.text);
+                }
+                if (judged.findings.empty() && isPreview_) {
+                    tell(WhatImportChanges(core_->directory, file_->Path()),
+                         response_->mutable_differences());
+                    return grpc::Status::OK;
+                }
+                if (judged.findings.empty())
+                    response_->set_generation(core_->configuration.Change(
+                        call.user, "import", "", [this] { ImportConfiguration(file_->Path()); }));
+                core_->names.Forget();
+                return grpc::Status::OK;
+            },
+            [this](const grpc::Status& status) { Finish(status); });
+    }
+
+    Core* core_ = nullptr;
+    Call call_;
+    v1::ImportResponse* response_ = nullptr;
+    std::optional<ScratchFile> file_;
+    v1::ImportRequest request_;
+    bool isPreview_ = false;
+    std::atomic<bool> isCancelled_{false};
+};
 
 // As an import of an export that was written then.
 std::uint64_t rollBackAll(Core& core, const Call& call, Generation generation) {

@@ -71,6 +71,42 @@ TEST_F(DaemonHistory, BringsTheWholeConfigurationBack) {
     EXPECT_EQ(Tool({"board", "list"}), boards);
 }
 
+v1::ImportResponse import(Client& client, const std::string& file, bool isPreview) {
+    grpc::ClientContext context;
+    v1::ImportResponse response;
+    const auto stream = client.configuration->Import(&context, &response);
+    v1::ImportRequest request;
+    request.set_piece(file);
+    request.set_preview(isPreview);
+    EXPECT_TRUE(stream->Write(request));
+    stream->WritesDone();
+    const auto status = stream->Finish();
+    EXPECT_TRUE(status.ok()) << status.error_message();
+    return response;
+}
+
+TEST_F(DaemonHistory, OfAnImportIsToldBeforehandWithoutChangingAnything) {
+    Tool({"export", home.Path("saved")});
+    const std::string file = home.Read("saved");
+    Tool({"set", kBoard, "Number=40"});
+    Tool({"board", "delete", "Sim E1 right"});
+    Client client(home);
+    const std::uint64_t before = History(client, "").entries(0).generation();
+    const auto preview = import(client, file, true);
+    EXPECT_EQ(preview.generation(), 0u);
+    EXPECT_EQ(preview.findings_size(), 0);
+    ASSERT_EQ(preview.differences_size(), 2);
+    EXPECT_EQ(preview.differences(0).object(), kBoard);
+    ASSERT_EQ(preview.differences(0).changes_size(), 1);
+    EXPECT_EQ(preview.differences(0).changes(0).old_value(), "40");
+    EXPECT_EQ(preview.differences(0).changes(0).new_value(), "0");
+    EXPECT_EQ(preview.differences(1).object(), "Sim E1 right");
+    EXPECT_EQ(preview.differences(1).kind(), v1::ObjectDifference::KIND_CREATED);
+    EXPECT_EQ(History(client, "").entries(0).generation(), before);
+    EXPECT_GT(import(client, file, false).generation(), before);
+    EXPECT_EQ(import(client, file, true).differences_size(), 0);
+}
+
 TEST_F(DaemonHistory, PutsASpoiledDataFileBackAndSaysSo) {
     Tool({"set", kBoard, "Number=40"});
     End();
