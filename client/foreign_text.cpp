@@ -74,6 +74,15 @@ std::string Shown(std::string_view text) {
     return shown;
 }
 
+bool IsUtf8(std::string_view text) {
+    while (!text.empty()) {
+        const CodePoint point = decode(text);
+        if (point.bytes == 0) return false;
+        text.remove_prefix(point.bytes);
+    }
+    return true;
+}
+
 size_t ShownWidth(std::string_view shown) {
     size_t width = 0;
     for (const char c : shown) width += (static_cast<unsigned char>(c) & 0xc0) != 0x80;

@@ -16,6 +16,9 @@ std::string Shown(std::string_view text);
 // The columns that a shown text takes: one for each character.
 size_t ShownWidth(std::string_view shown);
 
+// Whether it is UTF-8 as a whole, and so what JSON can carry as a text.
+bool IsUtf8(std::string_view text);
+
 // True for the characters that Shown escapes as control characters below U+0080.
 constexpr bool IsControl(char c) { return static_cast<unsigned char>(c) < 0x20 || c == 0x7f; }
 
