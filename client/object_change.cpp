@@ -66,11 +66,13 @@ std::string whyIsLost(const std::string& object, const Assignment& change) {
 void refuseWhatIsLost(const std::string& object, const Assignment& change) {
     const std::string keyword = WhyKeywordNameIsLost(object, change.keyword);
     if (!keyword.empty())
-        throw Failure("the keyword name " + Quoted(change.keyword) + " cannot be kept: " + keyword);
+        throw Failure("the keyword name " + Quoted(change.keyword) + " cannot be kept: " + keyword)
+            .About({object, change.keyword, change.value});
     const std::string value = whyIsLost(object, change);
     if (!value.empty())
         throw Failure("the value of " + Quoted(change.keyword) + " cannot be kept: " + value,
-                      "data files hold texts as they stand; choose another value");
+                      "data files hold texts as they stand; choose another value")
+            .About({object, change.keyword, change.value});
 }
 
 // Closing a changed object commits it, and there is no other way to end the handle. So the change

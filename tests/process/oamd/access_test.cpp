@@ -89,6 +89,9 @@ TEST_F(DaemonAccess, RefusalsNameTheKeywordTheValueAndTheRule) {
     EXPECT_EQ(refusal.object(), "Sim E1 left");
     EXPECT_EQ(refusal.keyword(), "Number");
     EXPECT_EQ(refusal.value(), "1");
+    const v1::Refusal unstorable = RefusalIn(Change(client, "Driver.BoardId", "a<b"));
+    EXPECT_EQ(unstorable.keyword(), "Driver.BoardId");
+    EXPECT_EQ(unstorable.value(), "a<b");
 }
 
 TEST_F(DaemonAccess, BytesThatAreNoRequestCostNobodyElseAnything) {
