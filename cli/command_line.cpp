@@ -5,6 +5,7 @@
 #include <sstream>
 
 #include "arguments.h"
+#include "completion.h"
 #include "console.h"
 #include "installation.h"
 #include "remote_host.h"
@@ -85,6 +86,11 @@ void CommandLine::Add(const CommandRow& row) {
 }
 
 ExitStatus CommandLine::Execute(int argc, char** argv) {
+    // For shells, not for people: `oam complete LINE`.
+    if (argc == 3 && std::string_view(argv[1]) == "complete") {
+        PrintCompletion(*app_, argv[2]);
+        return kDone;
+    }
     try {
         app_->parse(argc, argv);
     } catch (const CLI::ParseError& error) {
