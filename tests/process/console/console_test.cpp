@@ -19,16 +19,16 @@ void ConsoleTest::TearDown() {
     DaemonTest::TearDown();
 }
 
-void ConsoleTest::StartConsole(const std::vector<std::string>& options) {
+void ConsoleTest::StartConsole(const std::vector<std::string>& given) {
     std::vector<std::string> command{OAM_CONSOLE, "--listen", "127.0.0.1:0"};
-    command.insert(command.end(), options.begin(), options.end());
+    command.insert(command.end(), given.begin(), given.end());
     console = std::make_unique<ChildProcess>(command, home.Root());
     console->AwaitOutput("/\n");
     address = between(console->Output(), " at ", '\n');
     ASSERT_FALSE(address.empty());
     address.pop_back();
     const auto says = [&](const char* option) {
-        return std::find(options.begin(), options.end(), option) != options.end();
+        return std::find(given.begin(), given.end(), option) != given.end();
     };
     if (says("--pam") || says("--client-authorities")) return;
     console->AwaitOutput("#token=");

@@ -20,7 +20,7 @@ class ConsoleTest : public DaemonTest {
     void TearDown() override;
 
     // At a free port of this machine.
-    void StartConsole(const std::vector<std::string>& options = {});
+    void StartConsole(const std::vector<std::string>& given = {});
     void EndConsole();
 
     // A connection of its own, with the token of this start.

@@ -37,10 +37,14 @@ void DaemonTest::Start(const std::string& chassis) {
 }
 
 void DaemonTest::StartAgain() {
+    Launch();
+    where = daemon->AwaitErrorLine("serves ");
+}
+
+void DaemonTest::Launch() {
     std::vector<std::string> command{OAM_DAEMON};
     command.insert(command.end(), options.begin(), options.end());
     daemon = std::make_unique<ChildProcess>(command, home.Root());
-    where = daemon->AwaitErrorLine("serves ");
 }
 
 void DaemonTest::End() {

@@ -49,12 +49,16 @@ v1::Refusal RefusalIn(const grpc::Status& status);
 
 class DaemonTest : public ::testing::Test {
   protected:
+    // `parent` of the installation: one that lies in memory makes a commit cheap.
+    explicit DaemonTest(const std::string& parent = "/tmp") : home(Layout::kComplete, parent) {}
     void TearDown() override { End(); }
 
     // With this chassis, or the built-in one.
     void Start(const std::string& chassis = {});
     // The same again.
     void StartAgain();
+    // Without waiting for it to serve.
+    void Launch();
     // In good order.
     void End();
     void Kill();
