@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "alert_inbox.h"
+#include "store/moment.h"
 
 namespace oam::server {
 namespace {
@@ -22,7 +23,7 @@ std::string textAt(const oam_msg_tag& message, std::uint32_t offset) {
 
 StoredAlert ReadAlert(const oam_msg_tag& message) {
     StoredAlert alert;
-    alert.time = std::chrono::system_clock::now();
+    alert.time = MomentNow();
     alert.code = message.code;
     alert.severity = message.severity;
     alert.source = textAt(message, message.sourceOffset);

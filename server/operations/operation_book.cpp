@@ -8,6 +8,7 @@
 #include "oam/message.h"
 #include "operations/operation_entry.h"
 #include "store/bell.h"
+#include "store/moment.h"
 
 namespace oam::server {
 namespace {
@@ -46,7 +47,7 @@ OperationRecord OperationBook::Begin(OperationKind kind, const std::string& boar
     record.kind = kind;
     record.board = board;
     record.user = user;
-    record.requested = std::chrono::system_clock::now();
+    record.requested = MomentNow();
     Entries one{entry};
     entry->place = one.begin();
 
@@ -155,7 +156,7 @@ void OperationBook::Number(const std::string& id, std::uint64_t sequence) noexce
 
 void OperationBook::End(Entry& entry, OperationState state) noexcept {
     entry.record.state = state;
-    if (state != OperationState::kUnknown) entry.record.ended = std::chrono::system_clock::now();
+    if (state != OperationState::kUnknown) entry.record.ended = MomentNow();
     const auto kind = static_cast<std::size_t>(entry.record.kind);
     ++totals_.ended[kind][static_cast<std::size_t>(state)];
     if (state == OperationState::kDone || state == OperationState::kFailed) {

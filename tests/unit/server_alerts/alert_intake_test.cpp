@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "alerts.h"
+#include "store/moment.h"
 #include "throwing_fuse.h"
 
 namespace oam::server {
@@ -35,10 +36,12 @@ class Record {
 };
 
 TEST(AlertIntake, ReadsARecordWhole) {
-    const auto before = std::chrono::system_clock::now();
+    const auto before = MomentNow();
     const StoredAlert alert =
         ReadAlert(Record(OAMEVN_BOARD_DEAD, OAM_ERROR, "Board 1", "it is dead").Get());
     EXPECT_GE(alert.time, before);
+    // The book must give back what was told live.
+    EXPECT_EQ(momentOf(microsecondsOf(alert.time)), alert.time);
     EXPECT_EQ(alert.code, unsigned{OAMEVN_BOARD_DEAD});
     EXPECT_EQ(alert.severity, unsigned{OAM_ERROR});
     EXPECT_EQ(alert.source, "Board 1");

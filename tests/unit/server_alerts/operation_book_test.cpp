@@ -1,4 +1,5 @@
 #include "operations_test.h"
+#include "store/moment.h"
 #include "store/bell.h"
 
 namespace oam::server {
@@ -11,7 +12,7 @@ TEST_F(Operations, AreCountedBehindTheNumberOfTheStart) {
 }
 
 TEST_F(Operations, RunFromTheirBegin) {
-    const auto before = std::chrono::system_clock::now();
+    const auto before = MomentNow();
     const OperationRecord begun = book_.Begin(OperationKind::kTest, "Board 1", "certificate x");
     for (const OperationRecord& record : {begun, *book_.Find(begun.id)}) {
         EXPECT_EQ(record.id, begun.id);

@@ -4,6 +4,7 @@
 #include "oam/codes.h"
 #include "oam/message.h"
 #include "operations/operation_book.h"
+#include "store/moment.h"
 
 namespace oam::server {
 namespace {
@@ -43,6 +44,15 @@ TEST(OperationTotals, CountEachOutcomeOnce) {
     for (const std::uint64_t count : book.Totals().durations[0].counts) timed += count;
     EXPECT_EQ(timed, 2u);
     for (const std::uint64_t count : book.Totals().durations[1].counts) EXPECT_EQ(count, 0u);
+}
+
+TEST(Operations, HaveTimesThatTheBookCanKeep) {
+    OperationBook book(1, 2);
+    const auto begun = book.Begin(OperationKind::kStart, "Board 1", "root");
+    (void)book.OnAlert(outcome(OAMEVN_STARTBOARD_DONE, OAM_INFORMATION));
+    const auto record = book.Find(begun.id).value();
+    EXPECT_EQ(momentOf(microsecondsOf(record.requested)), record.requested);
+    EXPECT_EQ(momentOf(microsecondsOf(record.ended.value())), record.ended);
 }
 
 TEST(OperationTotals, LeaveOutWhatWasBeforeThisStart) {
