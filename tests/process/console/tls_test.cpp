@@ -1,7 +1,7 @@
 // TLS and certificates: whose is known, whose is not, and as what the daemon sees them.
+#include "certificates.h"
 #include "console_test.h"
 #include "logins.h"
-#include "test_certificates.h"
 
 namespace oam::test {
 namespace {
@@ -9,20 +9,24 @@ namespace {
 class ConsoleTls : public ConsoleTest {
   protected:
     void SetUp() override {
-        const CertificateAuthority host("hosts"), clients("clients"), others("others");
-        host.WriteTo(home.Path("hosts.pem"));
-        host.Issue("host", "DNS:host.test,IP:127.0.0.1", home.Path("host.pem"),
-                   home.Path("host.key"));
-        clients.WriteTo(home.Path("clients.pem"));
-        clients.Issue("noc.test", "", home.Path("noc.pem"), home.Path("noc.key"));
-        clients.Issue("ignored", "DNS:desk.test", home.Path("desk.pem"), home.Path("desk.key"));
-        others.Issue("noc.test", "", home.Path("other.pem"), home.Path("other.key"));
+        const Authority hosts("hosts"), clients("clients"), others("others");
+        home.Write("hosts.pem", hosts.Certificate());
+        home.Write("clients.pem", clients.Certificate());
+        Keep("host", hosts.IssueAs("host", "DNS:host.test,IP:127.0.0.1"));
+        Keep("noc", clients.IssueAs("noc.test", ""));
+        Keep("desk", clients.IssueAs("ignored", "DNS:desk.test"));
+        Keep("other", others.IssueAs("noc.test", ""));
         home.Write("oam/roles.conf", "user " + OwnUser() +
                                          " admin\ncertificate noc.test operator\n"
                                          "certificate desk.test viewer\n");
         Start();
         StartConsole({"--certificate", home.Path("host.pem"), "--key", home.Path("host.key"),
                       "--client-authorities", home.Path("clients.pem")});
+    }
+
+    void Keep(const std::string& file, const Identity& identity) {
+        home.Write(file + ".pem", identity.certificate);
+        home.Write(file + ".key", identity.key);
     }
 
     std::unique_ptr<httplib::Client> With(const std::string& certificate) const {

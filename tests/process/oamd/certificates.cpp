@@ -77,12 +77,18 @@ Authority::~Authority() = default;
 std::string Authority::Certificate() const { return pemOf(secret_->paper.get()); }
 
 Identity Authority::Issue(const std::string& name, long seconds) const {
+    return IssueAs(name, name == "localhost" ? "DNS:localhost,IP:127.0.0.1" : "DNS:" + name,
+                   seconds);
+}
+
+Identity Authority::IssueAs(const std::string& name, const std::string& alternatives,
+                            long seconds) const {
     const Key key(EVP_EC_gen("P-256"), &EVP_PKEY_free);
     require(key != nullptr);
     const Paper paper = blank(name, key.get(), seconds);
     X509_set_issuer_name(paper.get(), X509_get_subject_name(secret_->paper.get()));
-    extend(paper.get(), secret_->paper.get(), NID_subject_alt_name,
-           name == "localhost" ? "DNS:localhost,IP:127.0.0.1" : "DNS:" + name);
+    if (!alternatives.empty())
+        extend(paper.get(), secret_->paper.get(), NID_subject_alt_name, alternatives);
     require(X509_sign(paper.get(), secret_->key.get(), EVP_sha256()) > 0);
     return {pemOf(paper.get()), textOf([&](BIO* out) {
                 return PEM_write_bio_PrivateKey(out, key.get(), nullptr, nullptr, 0, nullptr,

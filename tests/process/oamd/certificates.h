@@ -23,6 +23,9 @@ class Authority {
     // For a host on the loopback or a client of this name; good for so many seconds from an hour
     // ago on (3600: just expired).
     Identity Issue(const std::string& name, long seconds = 86400) const;
+    // With alternative names of its own, as "DNS:host.test,IP:127.0.0.1", or none.
+    Identity IssueAs(const std::string& name, const std::string& alternatives,
+                     long seconds = 86400) const;
 
   private:
     struct Secret;

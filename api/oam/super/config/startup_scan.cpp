@@ -109,23 +109,25 @@ oam_result CMObjMgr::ScanDataFiles(const char* directory) noexcept {
 
 // 0 also when the file was rejected; a failure stops the scan.
 oam_result CMObjMgr::LoadDataFile(const char* path, const char* fileName) noexcept {
+    bool isWhole = false;
     bool loaded = false;
-    if (auto failed = LoadWhole(path, fileName, &loaded)) return failed;
-    if (!loaded) {
+    if (auto failed = LoadWhole(path, fileName, &isWhole, &loaded)) return failed;
+    if (!isWhole) {
         if (auto failed = LoadInSteps(path, fileName, &loaded)) return failed;
     }
     if (loaded) (void)AlertNotify(OAMEVN_ALERT, OAM_INFORMATION, "Config", "%s DONE", fileName);
     return OAM_SUCCESS;
 }
 
-// Name and check from one reading, for a file as the writer writes it.
-oam_result CMObjMgr::LoadWhole(const char* path, const char* fileName, bool* loaded) noexcept {
+// Name and check from one reading, for a file as the writer writes it; any other is not judged.
+oam_result CMObjMgr::LoadWhole(const char* path, const char* fileName, bool* isWhole,
+                               bool* loaded) noexcept {
     DataFileImage image;
     int index;
     if (!image.Read(path) || FindByName(image.ObjectName(), &index)) return OAM_SUCCESS;
     if (auto failed = Insert(image.ObjectName(), fileName)) return failed;
     KOR_CMObject* object = Find(image.ObjectName());
-    *loaded = true;
+    *isWhole = *loaded = true;
     // Some kinds of object choose their file, or spell their name, themselves.
     if (strcmp(object->Name(), image.ObjectName()) != 0 ||
         strcmp(object->DataFileName(), fileName) != 0) {
