@@ -18,11 +18,11 @@ bool isProgram(const std::string& path) {
 
 }  // namespace
 
-TEST(Packages, AreFive) {
+TEST(Packages, AreSix) {
     std::set<std::string> names;
     for (const auto& [name, file] : Packages()) names.insert(name);
     EXPECT_THAT(names, ::testing::UnorderedElementsAre("liboamsuper", "liboamsuper-dev", "oamd",
-                                                       "oam", "oam-sdk"));
+                                                       "oam", "oam-console", "oam-sdk"));
 }
 
 TEST(Packages, HoldEveryInstalledFileOnce) {
@@ -65,7 +65,7 @@ TEST(Packages, LayNothingOutsideOfTheSystemsPlaces) {
     for (const auto& [package, file] : Packages())
         for (const PackagedFile& one : FilesOf(file))
             EXPECT_TRUE(one.path == "/usr" || one.path == "/etc" || one.path.starts_with("/usr/") ||
-                        one.path.starts_with("/etc/oam"))
+                        one.path.starts_with("/etc/oam") || one.path.starts_with("/etc/pam.d"))
                 << one.path;
 }
 
