@@ -5,6 +5,7 @@
 #include <sstream>
 
 #include "arguments.h"
+#include "bundle_command.h"
 #include "completion.h"
 #include "console.h"
 #include "installation.h"
@@ -68,9 +69,10 @@ CommandLine::CommandLine() : app_(std::make_unique<CLI::App>(kSummary, "oam")) {
         family->require_subcommand(1);
         family->footer(exampleText(row.examples));
     }
-    for (const auto family : {InitCommands, ObjectCommands, ChangeCommands, BoardCommands,
-                              BoardQueryCommands, BoardOperationCommands, ConfigCommands,
-                              MonitorCommands, PluginCommands, InfoCommands, DaemonCommands})
+    for (const auto family :
+         {InitCommands, ObjectCommands, ChangeCommands, BoardCommands, BoardQueryCommands,
+          BoardOperationCommands, ConfigCommands, MonitorCommands, PluginCommands, InfoCommands,
+          DaemonCommands, BundleCommands})
         for (const CommandRow& row : family()) Add(row);
 }
 
