@@ -4,6 +4,7 @@
 #include "command.h"
 #include "console.h"
 #include "foreign_text.h"
+#include "progress.h"
 #include "service.h"
 
 namespace oam {
@@ -21,10 +22,11 @@ constexpr Operation kTest = {"test", OperationKind::kTest};
 // What became of each board, told as it becomes known.
 class OutcomeReport {
   public:
-    OutcomeReport(Console& console, const Operation& operation)
-        : console_(console), operation_(operation) {}
+    OutcomeReport(Console& console, const Operation& operation, size_t boards)
+        : console_(console), operation_(operation), progress_(operation.verb, boards) {}
 
     void Add(const std::string& board, const char* outcome, bool isGood, std::string text) {
+        progress_.Clear();
         text.erase(text.find_last_not_of(" \n") + 1);
         rows_.push_back({{"board", board}, {"outcome", outcome}, {"text", text}});
         const std::string line = std::string(operation_.verb) + ' ' + Quoted(board) + ": " +
@@ -34,6 +36,7 @@ class OutcomeReport {
         else if (!console_.IsJson())
             console_.Stream(line);
         ++(isGood ? good_ : bad_);
+        progress_.Show(good_ + bad_);
     }
 
     void Add(const OperationOutcome& outcome) {
@@ -48,6 +51,7 @@ class OutcomeReport {
     }
 
     ExitStatus Finish() {
+        progress_.Clear();
         if (console_.IsJson())
             console_.ShowJson({{"operation", operation_.verb}, {"boards", rows_}});
         else if (rows_.empty())
@@ -60,6 +64,7 @@ class OutcomeReport {
   private:
     Console& console_;
     const Operation& operation_;
+    Progress progress_;
     Json rows_ = Json::array();
     unsigned good_ = 0;
     unsigned bad_ = 0;
@@ -81,9 +86,9 @@ class OperationCommand : public ServiceCommand {
 
   protected:
     ExitStatus Work(Service& service, Console& console) override {
-        OutcomeReport report(console, operation_);
         const auto operations = service.Operate(operation_.kind);
         const auto boards = selection_.Resolve(service);
+        OutcomeReport report(console, operation_, boards.size());
         for (const std::string& board : boards) {
             if (IsInterrupted())
                 report.Add(board, "not requested", false, "interrupted");

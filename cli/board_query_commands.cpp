@@ -5,7 +5,9 @@
 #include "command.h"
 #include "console.h"
 #include "file_content.h"
+#include "lock_file.h"
 #include "service.h"
+#include "shadow_table.h"
 
 namespace oam {
 namespace {
@@ -18,7 +20,7 @@ Cell shelfCell(const BoardFacts& facts) {
     return facts.shelfSlot ? placeCell(*facts.shelfSlot, "shelf") : Cell(nullptr);
 }
 
-class ListCommand : public ServiceCommand {
+class AnsweredList : public ServiceCommand {
   protected:
     ExitStatus Work(Service& service, Console& console) override {
         Table table{{{"number", "NUMBER", true},
@@ -35,6 +37,25 @@ class ListCommand : public ServiceCommand {
                                   placeCell(facts.busSlot, "bus"), shelfCell(facts),
                                   facts.serialNumber, facts.autoStart, facts.autoStop});
         console.Show("boards", table);
+        return kDone;
+    }
+};
+
+// The list, or what the shadow has of it while a daemon is there that does not answer.
+class ListCommand : public Command {
+  public:
+    bool ReachesHosts() const override { return true; }
+    ExitStatus Run(Context& context) override try {
+        return AnsweredList().Run(context);
+    } catch (const Failure& failure) {
+        // The shadow is this host's.
+        if (context.host != nullptr) throw;
+        const auto holder = LockFile::Holder(context.place);
+        if (failure.Status() != kNoDaemon && !(holder && holder->command.starts_with("oamd")))
+            throw;
+        const ShadowTable shadow = ReadShadow();
+        context.console.Note(std::string(failure.what()) + "; this is what the board shadow holds");
+        context.console.Show("boards", shadow.boards);
         return kDone;
     }
 };

@@ -9,6 +9,8 @@
 #include "alert_inbox.h"
 #include "failure.h"
 #include "foreign_text.h"
+#include "table_fit.h"
+#include "terminal.h"
 
 namespace oam {
 namespace {
@@ -23,7 +25,9 @@ Json withSchema(const Json& members) {
 
 void Console::Show(const char* key, const Table& table) {
     if (json_) return ShowJson(Json{{key, AsJson(table)}});
-    Write(AsText(table));
+    const std::string text = AsText(Fitted(table, TerminalWidth(STDOUT_FILENO)));
+    const size_t heading = text.find('\n');
+    Write(Painted(text.substr(0, heading), Look::kHeading, STDOUT_FILENO) + text.substr(heading));
 }
 
 void Console::Show(const Record& record) {
@@ -54,7 +58,9 @@ void Console::Note(const std::string& text) {
 }
 
 void Console::Complain(const Failure& failure) {
-    Note(failure.what());
+    (void)std::fflush(stdout);
+    std::fprintf(stderr, "%s %s\n", Painted("oam:", Look::kTrouble, STDERR_FILENO).c_str(),
+                 failure.what());
     if (!failure.Advice().empty()) std::fprintf(stderr, "     %s\n", failure.Advice().c_str());
 }
 

@@ -6,8 +6,8 @@
 #include "installation.h"
 #include "interruption.h"
 #include "number.h"
-#include "oam/shadow.h"
 #include "open_service.h"
+#include "shadow_table.h"
 #include "text_answer.h"
 
 namespace oam {
@@ -17,45 +17,15 @@ namespace {
 class ShadowCommand : public Command {
   public:
     ExitStatus Run(Context& context) override {
-        const unsigned code = oamShadowInit();
-        if (code) throw Failure(code, "the board shadow cannot be opened");
-        const Table boards = ReadBoards();
-        bool isUsingVx = false;
-        const unsigned read = oamShadowBoardGetIsUsingVxPlugin(0, &isUsingVx);
-        (void)oamShadowExit();
-        if (read) throw Failure(read, "the board shadow cannot be read");
+        const ShadowTable shadow = ReadShadow();
         if (context.console.IsJson()) {
-            context.console.ShowJson({{"boards", AsJson(boards)}, {"usesVxPlugin", isUsingVx}});
+            context.console.ShowJson(
+                {{"boards", AsJson(shadow.boards)}, {"usesVxPlugin", shadow.isUsingVx}});
         } else {
-            context.console.Show("boards", boards);
-            context.console.Say(std::string("vxplugin.bpi: ") + (isUsingVx ? "yes" : "no"));
+            context.console.Show("boards", shadow.boards);
+            context.console.Say(std::string("vxplugin.bpi: ") + (shadow.isUsingVx ? "yes" : "no"));
         }
         return kDone;
-    }
-
-  private:
-    static Table ReadBoards() {
-        Table table{{{"number", "NUMBER", true},
-                     {"name", "NAME"},
-                     {"driverName", "DRIVER"},
-                     {"driverBoardId", "BOARD ID"},
-                     {"isALaw", "A-LAW"}},
-                    {}};
-        const auto names = AskNames([](int index, char* buffer, unsigned size) {
-            return oamShadowBoardEnum(0, index, buffer, size);
-        });
-        for (const std::string& name : names) {
-            unsigned number = 0;
-            bool isALaw = false;
-            // The longest that a record holds.
-            char driver[129] = "", id[65] = "";
-            const char* board = name.c_str();
-            if (oamShadowBoardGetNumber(0, board, &number) != OAM_SUCCESS) continue;
-            (void)oamShadowBoardGetDriverIDs(0, board, driver, sizeof driver, id, sizeof id);
-            (void)oamShadowBoardIsUsingALaw(0, board, &isALaw);
-            table.rows.push_back({number, name, driver, id, isALaw});
-        }
-        return table;
     }
 };
 

@@ -14,6 +14,7 @@ ExitStatus statusOf(grpc::StatusCode code) {
         case grpc::StatusCode::RESOURCE_EXHAUSTED:
             return kBusy;
         case grpc::StatusCode::UNAVAILABLE:
+        case grpc::StatusCode::DEADLINE_EXCEEDED:
             return kNoDaemon;
         default:
             return kFailed;
