@@ -28,9 +28,22 @@ grpc::StatusCode statusOf(const Failure& failure) {
     }
 }
 
+// A refusal travels in headers, and a client takes 8 KB of these, after they are encoded: a status
+// that is larger is none to it. So what is refused is told by its beginning.
+constexpr std::size_t kLongestName = 256;
+constexpr std::size_t kLongestSentence = 768;
+
+// Whole characters.
+std::string cut(std::string text, std::size_t size) {
+    if (text.size() <= size) return text;
+    while (size != 0 && (static_cast<unsigned char>(text[size]) & 0xc0) == 0x80) --size;
+    text.resize(size);
+    return text + "...";
+}
+
 grpc::Status statusWith(grpc::StatusCode code, const v1::Refusal& refusal) {
     // The message of a status travels as text; the details keep every byte.
-    return {code, Shown(refusal.rule()), refusal.SerializeAsString()};
+    return {code, cut(Shown(refusal.rule()), kLongestSentence), refusal.SerializeAsString()};
 }
 
 }  // namespace
@@ -43,19 +56,19 @@ grpc::Status RefusalOf(const Failure& failure) {
     refusal.set_code(failure.Code());
     if (const char* name = failure.Code() ? _oamGetText(failure.Code()) : nullptr)
         refusal.set_code_name(Shown(name));
-    refusal.set_object(failure.About().object);
-    refusal.set_keyword(failure.About().keyword);
-    refusal.set_value(failure.About().value);
-    refusal.set_rule(failure.what());
-    refusal.set_remedy(failure.Advice());
+    refusal.set_object(cut(failure.About().object, kLongestName));
+    refusal.set_keyword(cut(failure.About().keyword, kLongestName));
+    refusal.set_value(cut(failure.About().value, kLongestName));
+    refusal.set_rule(cut(failure.what(), kLongestSentence));
+    refusal.set_remedy(cut(failure.Advice(), kLongestSentence));
     return statusWith(statusOf(failure), refusal);
 }
 
 grpc::Status Refused(grpc::StatusCode status, const std::string& rule, const std::string& remedy) {
     v1::Refusal refusal;
     refusal.set_party(v1::Refusal::PARTY_DAEMON);
-    refusal.set_rule(rule);
-    refusal.set_remedy(remedy);
+    refusal.set_rule(cut(rule, kLongestSentence));
+    refusal.set_remedy(cut(remedy, kLongestSentence));
     return statusWith(status, refusal);
 }
 

@@ -94,6 +94,24 @@ TEST_F(DaemonAccess, RefusalsNameTheKeywordTheValueAndTheRule) {
     EXPECT_EQ(unstorable.value(), "a<b");
 }
 
+TEST_F(DaemonAccess, RefusalsOfLongNamesAndValuesArriveToo) {
+    Client client(home);
+    for (const std::size_t size : {300u, 5000u, 60000u}) {
+        v1::ReadObjectRequest request;
+        request.set_name(std::string(size, '\xff'));
+        v1::ReadObjectResponse response;
+        const grpc::Status status =
+            Call(*client.objects, &v1::Objects::Stub::ReadObject, request, &response);
+        EXPECT_EQ(status.error_code(), grpc::StatusCode::NOT_FOUND) << status.error_message();
+        EXPECT_NE(RefusalIn(status).rule(), "");
+        const grpc::Status refused = Change(client, "Number", std::string(size, '9'));
+        EXPECT_EQ(refused.error_code(), grpc::StatusCode::FAILED_PRECONDITION)
+            << refused.error_message();
+        EXPECT_NE(RefusalIn(refused).rule(), "");
+    }
+    EXPECT_TRUE(Change(client, "Number", "40").ok());
+}
+
 TEST_F(DaemonAccess, BytesThatAreNoRequestCostNobodyElseAnything) {
     std::minstd_rand random(1);
     const std::string preface = "PRI * HTTP/2.0\r\n\r\nSM\r\n\r\n";
