@@ -15,6 +15,7 @@
 #include "daemon/signals.h"
 #include "daemon/start_failure.h"
 #include "installation.h"
+#include "journal/alert_journal.h"
 #include "journal/journal.h"
 #include "lock_file.h"
 #include "metrics/metrics_listener.h"
@@ -106,6 +107,7 @@ class Daemon {
         writer_.emplace(bell_, place.Path(kBook),
                         std::vector<StoreJob*>{&alertWriter_, &operationStore_},
                         ComplainTo(journal));
+        alertJournal_.emplace(ring_, journal);
         host_.SetToClient([this](unsigned long client, const StoredAlert& alert) {
             sessions_.Deliver(client, alert);
         });
@@ -183,6 +185,7 @@ class Daemon {
     void CloseBook() {
         ring_.Close();
         writer_.reset();
+        alertJournal_.reset();
     }
 
     void Wait(const Signals& signals, Notifier& notifier) {
@@ -232,6 +235,7 @@ class Daemon {
     AlertWriter alertWriter_;
     OperationStore operationStore_;
     std::optional<StoreWriter> writer_;
+    std::optional<AlertJournal> alertJournal_;
     Callers callers_;
     SessionTable sessions_;
     Lanes lanes_;

@@ -1,10 +1,13 @@
 #include "journal/journal.h"
 
+#include <limits.h>
+#include <poll.h>
 #include <sys/stat.h>
 #include <sys/uio.h>
 #include <systemd/sd-journal.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <vector>
@@ -12,7 +15,6 @@
 #include "failure.h"
 #include "foreign_text.h"
 #include "oam/message.h"
-#include "transport/calls.h"
 
 namespace oam::server {
 namespace {
@@ -38,17 +40,20 @@ Priority priorityOf(unsigned severity) {
     }
 }
 
+void sendToJournal(const std::vector<std::string>& fields) {
+    std::vector<iovec> parts;
+    for (const std::string& field : fields)
+        parts.push_back({const_cast<char*>(field.data()), field.size()});
+    (void)sd_journal_sendv(parts.data(), static_cast<int>(parts.size()));
+}
+
 }  // namespace
 
-Journal::Journal() : isJournal_(isConnectedToJournal()) {}
+Journal::Journal() : send_(isConnectedToJournal() ? &sendToJournal : Send()) {}
 
 void Journal::Say(Priority priority, const std::string& message,
                   std::initializer_list<Field> fields) noexcept try {
-    if (!isJournal_) {
-        std::string line = "oamd: " + message + '\n';
-        (void)!write(STDERR_FILENO, line.data(), line.size());
-        return;
-    }
+    if (!send_) return SayToStandardError(message);
     std::vector<std::string> lines = {
         "MESSAGE=" + message,
         "PRIORITY=" + std::to_string(static_cast<int>(priority)),
@@ -56,14 +61,27 @@ void Journal::Say(Priority priority, const std::string& message,
     };
     for (const auto& [name, value] : fields)
         if (!value.empty()) lines.push_back(std::string(name) + '=' + value);
-    std::vector<iovec> parts;
-    for (std::string& line : lines) parts.push_back({line.data(), line.size()});
-    (void)sd_journal_sendv(parts.data(), static_cast<int>(parts.size()));
+    send_(lines);
 } catch (const std::exception&) {
     // No memory for a line: what it told is lost, and nothing else.
 }
 
+void Journal::SayToStandardError(const std::string& message) {
+    const std::lock_guard hold(mutex_);
+    std::string text = "oamd: " + message + '\n';
+    if (leftOut_ != 0) text = "oamd: " + std::to_string(leftOut_) + " lines were left out\n" + text;
+    // A pipe that is ready has room for so much at least.
+    text.resize(std::min<std::size_t>(text.size(), PIPE_BUF));
+    text.back() = '\n';
+    pollfd ready = {STDERR_FILENO, POLLOUT, 0};
+    if (poll(&ready, 1, 0) == 1 && write(STDERR_FILENO, text.data(), text.size()) >= 0)
+        leftOut_ = 0;
+    else
+        ++leftOut_;
+}
+
 void Journal::Alert(const StoredAlert& alert) noexcept try {
+    if (!send_ && alert.severity == OAM_INFORMATION) return;
     std::string text = alert.text;
     text.erase(text.find_last_not_of(" \n") + 1);
     Say(priorityOf(alert.severity), Quoted(alert.source) + ": " + Shown(text),
@@ -75,14 +93,12 @@ void Journal::Alert(const StoredAlert& alert) noexcept try {
 } catch (const std::exception&) {
 }
 
-void Journal::Denied(const Call& call, const Verb& verb, const std::string& object) noexcept try {
+void Journal::Denied(const std::string& user, const std::string& role, const std::string& verb,
+                     const std::string& object) noexcept try {
     Say(Priority::kWarning,
-        "denied: " + call.user + " (" + RoleName(call.role) + ") may not " + verb.name +
+        "denied: " + user + " (" + role + ") may not " + verb +
             (object.empty() ? "" : " of " + Quoted(object)),
-        {{"OAM_USER", call.user},
-         {"OAM_ROLE", RoleName(call.role)},
-         {"OAM_VERB", verb.name},
-         {"OAM_OBJECT", object}});
+        {{"OAM_USER", user}, {"OAM_ROLE", role}, {"OAM_VERB", verb}, {"OAM_OBJECT", object}});
 } catch (const std::exception&) {
 }
 

@@ -1,36 +1,47 @@
 // What the daemon tells: to the systemd journal with fields, or to standard error where there is
-// none. Any thread; nothing is thrown and nobody waits for a reader.
+// none; there alerts that are only information are left out. Any thread; nothing is thrown and
+// nobody waits for a reader: a line that a pipe has no room for is left out, and so many are told
+// of in the next one.
 //
 // Fields beside MESSAGE and PRIORITY: OAM_BOARD, OAM_CODE, OAM_SEVERITY, OAM_SEQ, OAM_OP, OAM_USER,
 // OAM_ROLE, OAM_VERB, OAM_OBJECT.
 #pragma once
 
+#include <functional>
 #include <initializer_list>
+#include <mutex>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "alerts/stored_alert.h"
 
 namespace oam::server {
-
-struct Call;
-struct Verb;
 
 enum class Priority { kError = 3, kWarning = 4, kNotice = 5, kInfo = 6 };
 
 class Journal {
   public:
     Journal();
+    // Each line as "FIELD=value"s.
+    using Send = std::function<void(const std::vector<std::string>& fields)>;
+    explicit Journal(Send send) : send_(std::move(send)) {}
 
     using Field = std::pair<const char*, std::string>;
     void Say(Priority priority, const std::string& message,
              std::initializer_list<Field> fields = {}) noexcept;
 
     void Alert(const StoredAlert& alert) noexcept;
-    void Denied(const Call& call, const Verb& verb, const std::string& object) noexcept;
+    // `user` may not do what needs another role.
+    void Denied(const std::string& user, const std::string& role, const std::string& verb,
+                const std::string& object) noexcept;
 
   private:
-    bool isJournal_;
+    void SayToStandardError(const std::string& message);
+
+    const Send send_;  // none: standard error
+    std::mutex mutex_;
+    std::size_t leftOut_ = 0;
 };
 
 }  // namespace oam::server

@@ -122,7 +122,7 @@ grpc::Status Calls::Admit(const grpc::ServerContextBase& context, const Verb& ve
         call->user = Shown(represented->Name()) + " via " + call->user;
     }
     if (call->role >= verb.role) return grpc::Status::OK;
-    journal_.Denied(*call, verb, object);
+    journal_.Denied(call->user, RoleName(call->role), verb.name, object);
     return Refused(grpc::StatusCode::PERMISSION_DENIED,
                    call->user + " may not " + verb.name + ": this needs the role " +
                        RoleName(verb.role) + ", and theirs is " + RoleName(call->role),
