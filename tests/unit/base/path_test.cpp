@@ -4,6 +4,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cerrno>
+
 #include "base/text.h"
 #include "doors/room_test.h"
 
@@ -87,6 +89,11 @@ TEST_F(PathDirs, GoesOnBehindAPartThatCannotBeMade) {
     CreatePathDirs(path.data());
     EXPECT_EQ(path, before);
     EXPECT_EQ(home.Read("oam/file"), "");
+}
+
+TEST(OutOfMeans, SaysNothingOfWhatIsThere) {
+    for (const int error : {EMFILE, ENFILE, ENOMEM, EIO, EINTR}) EXPECT_TRUE(IsOutOfMeans(error));
+    for (const int error : {ENOENT, ENOTDIR, EACCES}) EXPECT_FALSE(IsOutOfMeans(error));
 }
 
 }  // namespace

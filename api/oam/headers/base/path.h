@@ -15,8 +15,8 @@ void CreatePathDirs(char* path) noexcept;
 
 namespace oam {
 
-// Whether a path could not be opened for want of memory or descriptors, or because of the device: it
-// may well be there.
+// Whether a path could not be opened for want of memory or descriptors, because of the device, or
+// because a signal came: it may well be there.
 bool IsOutOfMeans(int error) noexcept;
 
 // "<directory>/<name>", or "<directory><name>" for a name that begins with a slash: a path below a

@@ -29,7 +29,7 @@ void CreatePathDirs(char* path) noexcept {
 namespace oam {
 
 bool IsOutOfMeans(int error) noexcept {
-    return error == EMFILE || error == ENFILE || error == ENOMEM || error == EIO;
+    return error == EMFILE || error == ENFILE || error == ENOMEM || error == EIO || error == EINTR;
 }
 
 JoinedPath::JoinedPath(const char* directory, const char* name) noexcept {
