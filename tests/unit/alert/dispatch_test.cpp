@@ -22,9 +22,10 @@ TEST_F(Dispatch, OrderIsComponentsPluginsServerAndClientsAscending) {
     InstallCallback();
     for (unsigned long client : {9ul, 3ul}) EXPECT_EQ(_oamAlertRegister(client), OAM_SUCCESS);
     EXPECT_EQ(Raise("hello"), OAM_SUCCESS);
-    EXPECT_THAT(doors.Calls(), ElementsAre("EmcAlertReceive(hello)", "BoardCommAlertReceive(hello)",
-                                           "callback(4294967295, hello)", "callback(3, hello)",
-                                           "callback(9, hello)"));
+    EXPECT_THAT(doors.Calls(),
+                ElementsAre("EmcAlertReceive(hello)", "BoardCommAlertReceive(hello)",
+                            "callback(4294967295, hello)", "callback(3, hello)",
+                            "callback(9, hello)"));
 }
 
 TEST_F(Dispatch, LogComesFirst) {
@@ -108,9 +109,9 @@ TEST_F(Dispatch, ClientsAreNotedDownBeforeTheFirstOfThemIsCalled) {
         return OAM_SUCCESS;
     });
     EXPECT_EQ(Raise("first"), OAM_SUCCESS);
-    EXPECT_THAT(
-        doors.CallsOf({"callback"}),
-        ElementsAre("callback(4294967295, first)", "callback(2, first)", "callback(5, first)"));
+    EXPECT_THAT(doors.CallsOf({"callback"}),
+                ElementsAre("callback(4294967295, first)", "callback(2, first)",
+                            "callback(5, first)"));
 }
 
 TEST_F(Dispatch, CallbacksOfSeveralThreadsRunAtTheSameTime) {
@@ -145,7 +146,7 @@ TEST_F(Dispatch, ComponentsAndPluginsMayWorkOnTwoAlertsAtTheSameTime) {
 
 TEST_F(Dispatch, WithoutMemoryForTheClientsStillReachesEveryoneElse) {
     InstallCallback();
-    // More than find room without.
+    // More than find room without memory.
     for (unsigned long client = 1; client <= 33; ++client) {
         EXPECT_EQ(_oamAlertRegister(client), OAM_SUCCESS);
     }

@@ -226,5 +226,38 @@ TEST_F(Lane, CopyThatFindsNoMemoryIsAFailureAndLost) {
         << "the last attempt alone";
 }
 
+// Those who wait are woken, also when others enter a free lane in between without its lock.
+TEST_F(Lane, LosesNobodyInACrowd) {
+    constexpr int kThreads = 4;
+    constexpr int kEach = 3000;
+    std::atomic<int> inside{0};
+    std::atomic<int> most{0};
+    std::atomic<int> received{0};
+    s_receive = [&](const oam_msg_tag*) {
+        most = std::max(most.load(), ++inside);
+        ++received;
+        --inside;
+        return OAM_SUCCESS;
+    };
+    std::vector<std::thread> threads;
+    for (int i = 0; i < kThreads; ++i) {
+        threads.emplace_back([this, i] {
+            const Message message = Saying("one");
+            for (int n = 0; n < kEach; ++n) {
+                // Some of them may not wait.
+                if (i == 0 && n % 2 == 0) {
+                    const ManagerGuard hold;
+                    EXPECT_EQ(lane.Deliver(message.Get()), OAM_SUCCESS);
+                } else {
+                    EXPECT_EQ(lane.Deliver(message.Get()), OAM_SUCCESS);
+                }
+            }
+        });
+    }
+    for (std::thread& thread : threads) thread.join();
+    EXPECT_EQ(received, kThreads * kEach);
+    EXPECT_EQ(most, 1);
+}
+
 }  // namespace
 }  // namespace oam::test

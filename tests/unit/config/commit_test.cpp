@@ -39,6 +39,28 @@ class Commit : public ConfigRoom {
     ClosedObject closed;
 };
 
+TEST_F(Commit, IsOnTheDiskBeforeBoardsAreAsked) {
+    Open();
+    Set("Key", "new");
+    std::string beside;
+    doors.On("BoardIDsValidateChanges", [&] {
+        beside = home.ReadDataFile("Obj0.xmo.saving");
+        return OAM_SUCCESS;
+    });
+    EXPECT_EQ(registry.CloseObject(handle, &closed), OAM_SUCCESS);
+    EXPECT_EQ(beside, DataFile("Thing", {{"Key", "new"}, {"Name", "Thing"}}));
+    EXPECT_EQ(home.ReadDataFile("Obj0.xmo"), beside);
+    EXPECT_FALSE(home.Exists("oam/cfg/Obj0.xmo.saving"));
+}
+
+TEST_F(Commit, RefusedLeavesNothingBeside) {
+    Open();
+    Set("Key", "new");
+    doors.Answer("BoardIDsValidateChanges", OAMERR_ALREADY_EXISTS);
+    ExpectRefused(OAMERR_ALREADY_EXISTS);
+    EXPECT_FALSE(home.Exists("oam/cfg/Obj0.xmo.saving"));
+}
+
 TEST_F(Commit, AsksBoardsThenObjectSavesAndTellsInTheSameOrder) {
     Open();
     Set("Key", "new");

@@ -134,6 +134,26 @@ TEST_F(Registry, NumbersNamesFromZero) {
     EXPECT_STREQ(buffer, "Board 3");
 }
 
+TEST_F(Registry, NumberThatWasGivenBackIsTheLowestAgain) {
+    char buffer[32] = "";
+    const auto next = [&](const char* base) {
+        EXPECT_EQ(registry.CreateUniqueName(base, buffer, sizeof buffer), OAM_SUCCESS);
+        return std::string(buffer);
+    };
+    for (int i = 0; i < 5; ++i) Insert(next("Board"));
+    EXPECT_EQ(next("Board"), "Board 5");
+    EXPECT_EQ(next(""), " 0");
+    EXPECT_EQ(next("Board"), "Board 5");
+    EXPECT_EQ(next("BOARD"), "BOARD 5");
+    ASSERT_EQ(registry.Remove("Board 2"), OAM_SUCCESS);
+    EXPECT_EQ(next("Board"), "Board 2");
+    Insert(next("Board"));
+    EXPECT_EQ(next("Board"), "Board 5");
+    EXPECT_TRUE(registry.RemoveAll(false));
+    EXPECT_EQ(next("Board"), "Board 0");
+    EXPECT_EQ(next(std::string(14, 'x').c_str()), std::string(14, 'x') + " 0");
+}
+
 TEST_F(Registry, NameNeedsTheBasesLengthAndThirteen) {
     char buffer[18] = "before";
     EXPECT_EQ(registry.CreateUniqueName("Board", buffer, 17), OAMERR_NOT_ENOUGH_MEMORY);

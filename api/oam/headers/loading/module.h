@@ -6,6 +6,8 @@
 // They copy the entries they need and call them without the lock. Libraries are never unloaded.
 #pragma once
 
+#include <atomic>
+
 #include "base/text.h"
 #include "korcore/guard.h"
 #include "loading/object_entries.h"
@@ -59,12 +61,14 @@ class ModuleTable : private NamedTable<Module<Entries>> {
     // OAMERR_ALREADY_EXISTS, OAMERR_NOT_ENOUGH_MEMORY. Nothing is loaded.
     oam_result Insert(const char* name) noexcept {
         KorGuard hold(lock_);
-        return this->InsertNew(name, [name]() -> Record* {
+        const oam_result inserted = this->InsertNew(name, [name]() -> Record* {
             auto* record = new (std::nothrow) Record(name);
             if (record != nullptr && record->HasName()) return record;
             delete record;
             return nullptr;
         });
+        count_.store(NamedTable<Record>::Count(), std::memory_order_release);
+        return inserted;
     }
 
     oam_result Bind(const char* name, const Entries& entries) noexcept {
@@ -78,6 +82,7 @@ class ModuleTable : private NamedTable<Module<Entries>> {
     void RemoveAll() noexcept {
         KorGuard hold(lock_);
         NamedTable<Record>::RemoveAll();
+        count_.store(0, std::memory_order_release);
     }
 
     int Count() const noexcept {
@@ -112,6 +117,8 @@ class ModuleTable : private NamedTable<Module<Entries>> {
     }
     // False past the end. Entries that are not bound yet are all null.
     bool EntriesAt(int index, Entries* entries) const noexcept {
+        // The end is met by every alert: it is seen without the lock.
+        if (index >= count_.load(std::memory_order_acquire)) return false;
         KorGuard hold(lock_);
         if (!InRange(index)) return false;
         *entries = this->At(index)->Calls();
@@ -133,6 +140,7 @@ class ModuleTable : private NamedTable<Module<Entries>> {
     }
 
     mutable CKorLightMutex lock_{0};
+    std::atomic<int> count_{0};
 };
 
 }  // namespace oam

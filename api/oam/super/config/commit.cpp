@@ -50,6 +50,7 @@ oam_result CArrayPtrsToMObject::Close(unsigned long handle, bool trap,
         ValidateChangesCleanup(object);
         return result;
     }
+    if (!object->IsReadWrite()) return OAM_SUCCESS;
     // Found again: the plug-in may have created and removed other objects in TrapClose.
     int index;
     return FindByName(object->Name(), &index) ? HandleChanges(index, &saving) : OAM_SUCCESS;
@@ -88,7 +89,6 @@ oam_result CArrayPtrsToMObject::ReadNewName(KOR_CMObject* object) noexcept {
 
 oam_result CArrayPtrsToMObject::HandleChanges(int index, ObjectSaving* saving) noexcept {
     KOR_CMObject* object = At(index);
-    if (!object->IsReadWrite()) return OAM_SUCCESS;
     BoardIDsHandleChanges(object->Name());
     const bool renamed = *pending_.newName != '\0';
     if (renamed) Rename(index);  // leaves the old name in the pending state
@@ -110,7 +110,7 @@ void CArrayPtrsToMObject::Rename(int index) noexcept {
     At(index)->SwapName(&pending_.objectName);
     Move(index, pending_.newIndex);
     pending_.newName[0] = '\0';
-    nextName_.base[0] = '\0';
+    nextName_ = NextName();
 }
 
 void CArrayPtrsToMObject::ValidateChangesCleanup(KOR_CMObject* object) noexcept {

@@ -12,7 +12,7 @@ struct KOR_CMObject::DataFilePath {
 
 class ObjectSaving {
   public:
-    explicit ObjectSaving(KOR_CMObject* object) noexcept : object_(object) {}
+    explicit ObjectSaving(KOR_CMObject* object) noexcept : object_(object) { path_.text[0] = '\0'; }
     // What was not put in its place is removed.
     ~ObjectSaving();
     ObjectSaving(const ObjectSaving&) = delete;
@@ -40,7 +40,7 @@ class ObjectSaving {
     bool IsSynced() const noexcept;
 
     KOR_CMObject* const object_;
-    KOR_CMObject::DataFilePath path_{};
+    KOR_CMObject::DataFilePath path_;
     DurableFile file_;
     oam_result written_ = OAM_SUCCESS;
     bool isWritten_ = false;

@@ -46,9 +46,11 @@ oam_result CArrayPtrsToMObject::CreateUniqueName(const char* base, char* buffer,
         if (!FindByName(buffer, &index)) break;
     }
     // Until one of them goes or is renamed, those below stay taken.
-    nextName_.number = number;
-    oam::CopyCut(strlen(base) < sizeof nextName_.base ? base : "", nextName_.base,
-                 sizeof nextName_.base);
+    nextName_ = NextName();
+    if (strlen(base) < sizeof nextName_.base) {
+        oam::CopyCut(base, nextName_.base, sizeof nextName_.base);
+        nextName_.number = number;
+    }
     return OAM_SUCCESS;
 }
 
@@ -111,7 +113,7 @@ oam_result CArrayPtrsToMObject::RemoveObject(KOR_CMObject* found, const char* na
     if (auto failed = TakeAt(index)) return failed;
     const std::unique_ptr<KOR_CMObject> object(found);
     fileNumbers_.Remove(object->DataFileName());
-    nextName_.base[0] = '\0';
+    nextName_ = NextName();
     if (object->RemoveFile() == OAM_SUCCESS) syncDataDirectory();
     (void)AlertNotify(OAMEVN_DELETED, OAM_INFORMATION, object->Name(), "%s", "");
     return OAM_SUCCESS;
@@ -131,7 +133,7 @@ bool CArrayPtrsToMObject::RemoveAll(bool removeFiles) noexcept {
     }
     PointerArray::RemoveAll();
     fileNumbers_.RemoveAll();
-    nextName_.base[0] = '\0';
+    nextName_ = NextName();
     return areGone;
 }
 

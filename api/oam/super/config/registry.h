@@ -76,7 +76,7 @@ class CArrayPtrsToMObject : public oam::NamedTable<KOR_CMObject> {
 
     int LowestDataFileNumber() const noexcept;
 
-    // The names "<base> 0" to "<base> <number - 1>" are taken; empty: nothing is known.
+    // The names "<base> 0" to "<base> <number - 1>" are taken.
     struct NextName {
         char base[oam::kNameSize] = "";
         int number = 0;

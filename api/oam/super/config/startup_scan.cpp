@@ -123,9 +123,10 @@ oam_result CMObjMgr::LoadDataFile(const char* path, const char* fileName) noexce
 oam_result CMObjMgr::LoadWhole(const char* path, const char* fileName, bool* isWhole,
                                bool* loaded) noexcept {
     DataFileImage image;
-    int index;
-    if (!image.Read(path) || FindByName(image.ObjectName(), &index)) return OAM_SUCCESS;
-    if (auto failed = Insert(image.ObjectName(), fileName)) return failed;
+    if (!image.Read(path)) return OAM_SUCCESS;
+    const oam_result inserted = Insert(image.ObjectName(), fileName);
+    if (inserted == OAMERR_ALREADY_EXISTS) return OAM_SUCCESS;  // found and told in steps, too
+    if (inserted != OAM_SUCCESS) return inserted;
     KOR_CMObject* object = Find(image.ObjectName());
     *isWhole = *loaded = true;
     // Some kinds of object choose their file, or spell their name, themselves.

@@ -11,6 +11,21 @@
 
 namespace oam {
 
+namespace {
+
+// Many files of a directory were written in one second; its text is made once by each thread.
+const char* timeText(time_t time) noexcept {
+    static thread_local time_t known = 0;
+    static thread_local char text[32] = "";
+    if (*text == '\0' || time != known) {
+        known = time;
+        if (ctime_r(&time, text) == nullptr) text[0] = '\0';
+    }
+    return text;
+}
+
+}  // namespace
+
 FileListing::~FileListing() {
     if (directory_ != nullptr) closedir(directory_);
 }
@@ -43,8 +58,7 @@ void AnnounceFile(const char* source, const char* path, const char* fileName) no
         return;
     }
     const long size = static_cast<long>(status.st_size);
-    char modified[32] = "";
-    if (ctime_r(&status.st_mtime, modified) == nullptr) modified[0] = '\0';
+    const char* modified = timeText(status.st_mtime);
     DebugOutput("%-12s %7ld  %.24s  ", fileName, size, modified);
     (void)AlertNotify(OAMEVN_ALERT, OAM_INFORMATION, source, "=> Loading %s (%ld %.24s)  ", path,
                       size, modified);
