@@ -11,11 +11,12 @@ const tones = { error: 'bad', warning: 'warn', note: 'fine' };
 
 function facts() {
   const host = live.host || {};
+  const last = live.alerts[live.alerts.length - 1];
   const rows = [
     ['Service', host.running ? 'running' : `stopped${host.codeName ? ` (${host.codeName})` : ''}`],
     ['Installation', host.directory], ['Version', host.version], ['Process', host.process],
     ['Since', host.started ? dayAndClock(host.started) : ''],
-    ['Newest alert', host.newestAlert], ['You are', `${host.user}, ${host.role}`]];
+    ['Newest alert', last ? last.sequence : host.newestAlert], ['You are', `${host.user}, ${host.role}`]];
   return h('dl', { class: 'facts' }, rows.map(([name, value]) =>
     h('div', {}, h('dt', {}, name), h('dd', {}, value === undefined ? '–' : value))));
 }
@@ -134,5 +135,5 @@ export async function show(main) {
   const isSetting = (name) => !/^(DetectedBoards|Boards|ManagedObjects)\b/i.test(name);
   await Promise.all([doctor(findings), modules(loaded), showHistory(history, ''),
     showForm(settings, 'Supervisor', { title: 'Supervisor', only: isSetting })]);
-  return (what) => what === 'host' && draw();
+  return (what) => ['host', 'alerts'].includes(what) && draw();
 }
