@@ -2,10 +2,11 @@
 
 #include <sys/socket.h>
 
-#include <array>
 #include <cerrno>
+#include <chrono>
 #include <cstring>
 #include <stdexcept>
+#include <thread>
 
 #include "listener/body.h"
 #include "listener/certificates.h"
@@ -193,11 +194,18 @@ void Gateway::HandleApi(const httplib::Request& request, httplib::Response& resp
     calls_.Serve(request, response, *identity, inside, query, body);
 }
 
-void Gateway::Serve() { (void)server_->listen_after_bind(); }
+void Gateway::Serve() {
+    if (!isStopping_) (void)server_->listen_after_bind();
+    hasEnded_ = true;
+}
 
+// The library forgets a stop that comes before it serves, and does not take a second one.
 void Gateway::Stop() {
     streams_.Stop();
-    server_->stop();
+    isStopping_ = true;
+    constexpr auto kBetweenLooks = std::chrono::milliseconds(1);
+    while (!server_->is_running() && !hasEnded_) std::this_thread::sleep_for(kBetweenLooks);
+    if (!hasEnded_) server_->stop();
 }
 
 }  // namespace oam::console

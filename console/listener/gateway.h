@@ -1,6 +1,7 @@
 // The gateway: one HTTP server, and what it serves to whom.
 #pragma once
 
+#include <atomic>
 #include <memory>
 #include <string>
 
@@ -45,6 +46,8 @@ class Gateway {
     std::unique_ptr<httplib::Server> server_;
     std::unique_ptr<Guard> guard_;
     std::string address_;
+    std::atomic<bool> isStopping_{false};
+    std::atomic<bool> hasEnded_{false};
 };
 
 }  // namespace oam::console

@@ -192,7 +192,7 @@ std::vector<Browser::Loaded> Browser::Requests() {
     }
     std::vector<Loaded> all;
     for (const auto& [id, loaded] : byId)
-        if (!loaded.url.empty()) all.push_back(loaded);
+        if (loaded.url.starts_with("http") || loaded.url.starts_with("ws")) all.push_back(loaded);
     return all;
 }
 

@@ -58,6 +58,7 @@ class Browser {
         std::string url;
         std::size_t bytes = 0;
     };
+    // Of a host; what the browser has in itself, it asks nobody for.
     std::vector<Loaded> Requests();
 
   private:
