@@ -31,12 +31,7 @@ grpc::Status callOnce(const std::shared_ptr<grpc::Channel>& channel, const std::
 
 std::shared_ptr<grpc::Channel> DaemonConnection::Channel() {
     const std::lock_guard hold(mutex_);
-    if (channel_) {
-        const auto state = channel_->GetState(false);
-        if (state != GRPC_CHANNEL_TRANSIENT_FAILURE && state != GRPC_CHANNEL_SHUTDOWN)
-            return channel_;
-        channel_.reset();
-    }
+    if (channel_) return channel_;
     try {
         if (const auto descriptor = wire::Connect(socketPath_))
             channel_ = wire::ChannelOver(*descriptor);
@@ -44,6 +39,13 @@ std::shared_ptr<grpc::Channel> DaemonConnection::Channel() {
         // No permission, or a listener that takes no more: as good as nobody.
     }
     return channel_;
+}
+
+// Such a channel does not tell by itself that its connection is gone.
+std::shared_ptr<grpc::Channel> DaemonConnection::LivingChannel() {
+    std::string ignored;
+    const auto status = Call("/oam.v1.Host/GetHost", "", &ignored, {}, /*mayRepeat=*/true);
+    return IsConnectionGone(status) ? nullptr : Channel();
 }
 
 void DaemonConnection::Lost(const std::shared_ptr<grpc::Channel>& channel) {
@@ -55,7 +57,7 @@ grpc::Status DaemonConnection::Call(const std::string& method, const std::string
                                     std::string* response, const Identity& identity,
                                     bool mayRepeat) {
     for (int attempts = mayRepeat ? 2 : 1;; --attempts) {
-        const auto channel = Channel();
+        const auto channel = mayRepeat ? Channel() : LivingChannel();
         if (!channel) return NobodyListens(socketPath_);
         const grpc::Status status = callOnce(channel, method, request, response, identity);
         if (!IsConnectionGone(status)) return status;

@@ -20,8 +20,10 @@ class DaemonConnection {
   public:
     explicit DaemonConnection(std::string socketPath) : socketPath_(std::move(socketPath)) {}
 
-    // The channel, connected anew when the last one is gone; null when nobody listens.
+    // The channel, connected anew when the last one is known to be gone; null when nobody listens.
     std::shared_ptr<grpc::Channel> Channel();
+    // One over which the daemon has just answered: for what must not be asked twice.
+    std::shared_ptr<grpc::Channel> LivingChannel();
     // This channel answered that it is gone.
     void Lost(const std::shared_ptr<grpc::Channel>& channel);
 

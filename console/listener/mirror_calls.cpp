@@ -69,7 +69,7 @@ void MirrorCalls::Events(const httplib::Request& request, httplib::Response& res
         return streams_.Serve(response,
                               std::make_unique<AlertEvents>(daemon_, std::move(watch), identity));
     }
-    const auto channel = daemon_.Channel();
+    const auto channel = daemon_.LivingChannel();
     if (!channel) return Refuse(response, NobodyListens(daemon_.SocketPath()));
     streams_.Serve(response, std::make_unique<MessageEvents>(
                                  route, std::make_unique<MessageStream>(channel, route.FullMethod(),
@@ -79,7 +79,7 @@ void MirrorCalls::Events(const httplib::Request& request, httplib::Response& res
 // In memory as a whole: only then is it known whether it can be sent.
 void MirrorCalls::Export(httplib::Response& response, const Identity& identity,
                          const Route& route) {
-    const auto channel = daemon_.Channel();
+    const auto channel = daemon_.LivingChannel();
     if (!channel) return Refuse(response, NobodyListens(daemon_.SocketPath()));
     MessageStream stream(channel, route.FullMethod(), "", identity);
     std::string file;
@@ -101,7 +101,7 @@ void MirrorCalls::Export(httplib::Response& response, const Identity& identity,
 
 void MirrorCalls::Import(httplib::Response& response, const Identity& identity,
                          const std::string& bytes, const std::string& file) {
-    const auto channel = daemon_.Channel();
+    const auto channel = daemon_.LivingChannel();
     if (!channel) return Refuse(response, NobodyListens(daemon_.SocketPath()));
     grpc::ClientContext context;
     Introduce(context, identity);
