@@ -85,6 +85,9 @@ inFence {
     gsub(/`docs\/oam\.md`/, "oam(1)")
     gsub(/`docs\/oamd\.md`/, "oamd(8)")
 }
+# A picture.
+/^!\[/ { next }
+
 /^$/ {
     inList = inDefinition = rows = 0
     print
