@@ -47,6 +47,28 @@ grpc::Status Call(Stub& stub,
 
 v1::Refusal RefusalIn(const grpc::Status& status);
 
+// A chassis with one board of each kind of start.
+inline constexpr const char* kMixedChassis = R"(
+board: Good
+product: SIM-E1
+bus: 1
+slot: 1
+start-time: 1ms
+
+board: Bad
+product: SIM-E1
+bus: 1
+slot: 2
+start: fail
+start-time: 1ms
+
+board: Stuck
+product: SIM-E1
+bus: 1
+slot: 3
+start: hang 3600s
+)";
+
 class DaemonTest : public ::testing::Test {
   protected:
     // `parent` of the installation: one that lies in memory makes a commit cheap.

@@ -11,27 +11,6 @@
 namespace oam::test {
 namespace {
 
-constexpr const char* kChassis = R"(
-board: Good
-product: SIM-E1
-bus: 1
-slot: 1
-start-time: 1ms
-
-board: Bad
-product: SIM-E1
-bus: 1
-slot: 2
-start: fail
-start-time: 1ms
-
-board: Stuck
-product: SIM-E1
-bus: 1
-slot: 3
-start: hang 3600s
-)";
-
 using Samples = std::map<std::string, double>;
 
 // By "name{labels}"; what is not of the format fails the test.
@@ -90,7 +69,7 @@ class DaemonMetrics : public DaemonTest {
 };
 
 TEST_F(DaemonMetrics, CountOperationsAlertsAndRequests) {
-    Start(kChassis);
+    Start(kMixedChassis);
     Client client(home);
     (void)Wait(client, StartBoard(client, "Good"), 60);
     (void)Wait(client, StartBoard(client, "Bad"), 60);
@@ -125,7 +104,7 @@ TEST_F(DaemonMetrics, CountOperationsAlertsAndRequests) {
 }
 
 TEST_F(DaemonMetrics, NameTheCallThatDoesNotReturn) {
-    Start(kChassis);
+    Start(kMixedChassis);
     {
         Client client(home);
         (void)StartBoard(client, "Stuck");
@@ -153,7 +132,7 @@ TEST_F(DaemonMetrics, TellHowManyBoardsTheShadowHasNoRoomFor) {
 }
 
 TEST_F(DaemonMetrics, CountWatchersAndThoseOfThemThatAreBehind) {
-    Start(kChassis);
+    Start(kMixedChassis);
     Client client(home);
     grpc::ClientContext context;
     v1::WatchAlertsRequest request;

@@ -4,30 +4,9 @@
 namespace oam::test {
 namespace {
 
-constexpr const char* kChassis = R"(
-board: Good
-product: SIM-E1
-bus: 1
-slot: 1
-start-time: 1ms
-
-board: Bad
-product: SIM-E1
-bus: 1
-slot: 2
-start: fail
-start-time: 1ms
-
-board: Stuck
-product: SIM-E1
-bus: 1
-slot: 3
-start: hang 3600s
-)";
-
 class DaemonOperations : public DaemonTest {
   protected:
-    void SetUp() override { Start(kChassis); }
+    void SetUp() override { Start(kMixedChassis); }
 };
 
 TEST_F(DaemonOperations, EndWithTheOutcomeThatThePlugInTells) {
