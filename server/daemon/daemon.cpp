@@ -17,6 +17,7 @@
 #include "installation.h"
 #include "journal/alert_journal.h"
 #include "journal/journal.h"
+#include "journal/library_logs.h"
 #include "lock_file.h"
 #include "metrics/metrics_listener.h"
 #include "operations/operation_store.h"
@@ -263,6 +264,7 @@ class Daemon {
 int RunDaemon(const Settings& settings) {
     const Signals signals;
     Journal journal;
+    const LibraryLogs logs(journal);
     Notifier notifier;
     try {
         const Installation place = Installation::Locate(
