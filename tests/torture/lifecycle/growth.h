@@ -16,8 +16,10 @@ struct Allowed {
 };
 
 // Does it so often, round(index). The first tenth fills what is filled once for the whole process.
-// Before each look nothing is under way: the process has so many threads. Fails the test when
-// memory, descriptors or threads have grown; what has come of it in words.
+// Before each look nothing is under way: the process has so many threads. Memory that has grown is
+// looked at over three more stretches of as many rounds, and has grown when it does in each. Fails
+// the test when memory, descriptors or threads have grown; what has come of the last stretch in
+// words.
 std::string Repeat(unsigned long rounds, const std::function<void(unsigned long)>& round,
                    int threads, const Allowed& allowed = {});
 
