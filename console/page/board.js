@@ -134,13 +134,13 @@ export async function show(main, name) {
       renamed: (next) => { window.location.hash = `#/board/${encoded(next)}`; },
     }),
     showHistory(history, name)]);
-  let seen = live.alerts.length ? live.alerts[live.alerts.length - 1].sequence : 0;
+  let seen = live.newest();
   return (what) => {
     if (['boards', 'operations', 'alerts', 'host'].includes(what)) draw();
     if (what !== 'alerts') return;
     drawAlerts();
     const fresh = live.alerts.filter((a) => a.sequence > seen);
-    seen = fresh.length ? fresh[fresh.length - 1].sequence : seen;
+    seen = live.newest();
     if (fresh.some((a) => a.code === codes.modified && isSame(a.source, name))) {
       keywords.reload();
       changes.reload();

@@ -1,27 +1,31 @@
 // The host: the service's settings, what is loaded, the configuration as a whole, what the doctor says.
 import { get, send, upload } from './api.js';
 import { failed } from './actions.js';
+import { codes } from './codes.js';
 import { confirm, h, replace, say, toast } from './dom.js';
 import { showForm } from './form.js';
 import { differenceList, showHistory } from './history.js';
 import { live, may } from './live.js';
-import { dayAndClock, shown } from './text.js';
+import { showModules } from './modules.js';
+import { dayAndClock, isSame, shown } from './text.js';
+
+// Alerts after which the history has something new.
+const changing = [codes.created, codes.deleted, codes.renamed, codes.modified];
 
 const tones = { error: 'bad', warning: 'warn', note: 'fine' };
 
 function facts() {
   const host = live.host || {};
-  const last = live.alerts[live.alerts.length - 1];
   const rows = [
     ['Service', host.running ? 'running' : `stopped${host.codeName ? ` (${host.codeName})` : ''}`],
     ['Installation', host.directory], ['Version', host.version], ['Process', host.process],
     ['Since', host.started ? dayAndClock(host.started) : ''],
-    ['Newest alert', last ? last.sequence : host.newestAlert], ['You are', `${host.user}, ${host.role}`]];
+    ['Newest alert', live.newest() || host.newestAlert], ['You are', `${host.user}, ${host.role}`]];
   return h('dl', { class: 'facts' }, rows.map(([name, value]) =>
     h('div', {}, h('dt', {}, name), h('dd', {}, value === undefined ? '–' : value))));
 }
 
-async function control(verb) {
+async function control(verb, lookAgain) {
   const isSure = await confirm(`${verb[0].toUpperCase()}${verb.slice(1)} the service?`,
     h('p', {}, verb === 'start' ? 'Plug-ins and configuration are loaded.'
       : 'Running requests are waited for. Boards that are marked for it are stopped.'), verb);
@@ -33,6 +37,7 @@ async function control(verb) {
     failed(`${verb} of the service`, refusal);
   }
   live.ask('host', 'boards', 'detected', 'operations');
+  lookAgain();
 }
 
 async function doctor(place) {
@@ -49,22 +54,8 @@ async function doctor(place) {
   }
 }
 
-async function modules(place) {
-  try {
-    const answer = await get('/host/modules');
-    replace(place, h('h2', {}, 'Plug-ins and components'), h('table', {},
-      h('thead', {}, h('tr', {}, ['Name', 'Kind', 'Products'].map((t) =>
-        h('th', { scope: 'col' }, t)))),
-      h('tbody', {}, answer.modules.map((m) => h('tr', {}, h('th', { scope: 'row' }, m.name),
-        h('td', {}, m.isComponent ? 'component' : 'plug-in'),
-        h('td', {}, m.products.map(shown).join(', ') || '–'))))));
-  } catch (refusal) {
-    failed('plug-ins', refusal);
-  }
-}
-
 // What would change is shown before anything does.
-function transfer(place) {
+function transfer(place, lookAgain) {
   const preview = h('div', { role: 'status' });
   const file = h('input', { type: 'file', id: 'import-file', onchange: look });
 
@@ -82,6 +73,7 @@ function transfer(place) {
       failed('import', refusal);
     }
     live.ask('host', 'boards', 'detected', 'operations');
+    lookAgain();
   }
 
   async function look() {
@@ -126,14 +118,31 @@ export async function show(main) {
   main.replaceChildren(h('div', { class: 'head' }, h('h1', { tabindex: '-1' }, 'Host')),
     h('div', { class: 'columns' }, h('div', {}, about, settings, loaded),
       h('div', {}, findings, files, history)));
+  let changes;
+  let keywords;
+  const lookAgain = () => {
+    for (const part of [changes, keywords]) part?.reload();
+    doctor(findings);
+    showModules(loaded);
+  };
   const draw = () => replace(about, h('h2', {}, 'Service'), facts(), may('admin') && live.host
     && h('div', { class: 'bar' }, (live.host.running ? ['restart', 'stop'] : ['start']).map((verb) =>
-      h('button', { 'data-key': verb, onclick: () => control(verb) },
+      h('button', { 'data-key': verb, onclick: () => control(verb, lookAgain) },
         verb[0].toUpperCase() + verb.slice(1)))));
   draw();
-  transfer(files);
+  transfer(files, lookAgain);
   const isSetting = (name) => !/^(DetectedBoards|Boards|ManagedObjects)\b/i.test(name);
-  await Promise.all([doctor(findings), modules(loaded), showHistory(history, ''),
-    showForm(settings, 'Supervisor', { title: 'Supervisor', only: isSetting })]);
-  return (what) => ['host', 'alerts'].includes(what) && draw();
+  [changes, keywords] = await Promise.all([showHistory(history, ''),
+    showForm(settings, 'Supervisor', { title: 'Supervisor', only: isSetting }),
+    doctor(findings), showModules(loaded)]);
+  let seen = live.newest();
+  return (what) => {
+    if (['host', 'alerts'].includes(what)) draw();
+    if (what !== 'alerts') return;
+    const fresh = live.alerts.filter((a) => a.sequence > seen);
+    seen = live.newest();
+    if (fresh.some((a) => changing.includes(a.code))) changes.reload();
+    if (fresh.some((a) => a.code === codes.modified && isSame(a.source, 'Supervisor')))
+      keywords.reload();
+  };
 }

@@ -24,6 +24,11 @@ class Live extends EventTarget {
     this.dispatchEvent(new CustomEvent('news', { detail: what }));
   }
 
+  // The number of the newest alert that is here; 0: none.
+  newest() {
+    return this.alerts.length ? this.alerts[this.alerts.length - 1].sequence : 0;
+  }
+
   async start(session) {
     this.user = session.user;
     this.role = session.role;

@@ -6,6 +6,18 @@
 
 namespace oam::server {
 
+namespace {
+
+// They come oldest first.
+void addUnderWay(const std::vector<ForeignCall>& calls, ForeignEntryUse* use) {
+    for (const ForeignCall& call : calls) {
+        if (call.module != use->module || call.entry != use->entry) continue;
+        if (use->underWay++ == 0) use->oldest = call.age;
+    }
+}
+
+}  // namespace
+
 std::vector<ForeignCall> ForeignCallsUnderWay() {
     std::vector<ForeignCall> calls;
     KorCallInside call;
@@ -22,14 +34,17 @@ std::vector<ForeignCall> ForeignCallsUnderWay() {
 }
 
 std::vector<ForeignEntryUse> ForeignEntryUses() {
+    const std::vector<ForeignCall> underWay = ForeignCallsUnderWay();
     std::vector<ForeignEntryUse> uses;
     KorEntryUse use;
     for (unsigned module = 0; module < kKorMarkedModules; ++module)
-        for (unsigned entry = 0; entry < kKorMarkedEntries; ++entry)
-            if (KorUseAt(module, entry, &use))
-                uses.push_back(
-                    {use.module, use.entry, use.calls,
-                     std::chrono::nanoseconds(static_cast<std::int64_t>(use.nanoseconds))});
+        for (unsigned entry = 0; entry < kKorMarkedEntries; ++entry) {
+            if (!KorUseAt(module, entry, &use)) continue;
+            uses.push_back({use.module, use.entry, use.calls,
+                            std::chrono::nanoseconds(static_cast<std::int64_t>(use.nanoseconds)), 0,
+                            {}});
+            addUnderWay(underWay, &uses.back());
+        }
     return uses;
 }
 

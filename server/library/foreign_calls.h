@@ -25,8 +25,11 @@ struct ForeignEntryUse {
     std::string entry;
     std::uint64_t calls;           // begun
     std::chrono::nanoseconds sum;  // of those that have returned
+    std::uint64_t underWay;
+    std::chrono::nanoseconds oldest;  // for how long the oldest of them has not returned; 0: none
 };
 
+// Of every entry that was ever called, by module.
 std::vector<ForeignEntryUse> ForeignEntryUses();
 
 }  // namespace oam::server

@@ -1,6 +1,5 @@
 #include "metrics/metrics.h"
 
-#include <algorithm>
 #include <map>
 #include <utility>
 
@@ -91,25 +90,14 @@ void tellForeignCalls(Exposition* out) {
     for (const ForeignEntryUse& use : uses)
         out->Sample({{"plugin", use.module}, {"entry", use.entry}}, use.calls, secondsOf(use.sum));
 
-    struct UnderWay {
-        std::uint64_t calls = 0;
-        std::chrono::nanoseconds oldest{0};
-    };
-    std::map<std::pair<std::string, std::string>, UnderWay> all;
-    for (const ForeignEntryUse& use : uses) all[{use.module, use.entry}];
-    for (const ForeignCall& call : ForeignCallsUnderWay()) {
-        UnderWay& one = all[{call.module, call.entry}];
-        ++one.calls;
-        one.oldest = std::max(one.oldest, call.age);
-    }
     out->Family("oam_plugin_call_in_flight", Kind::kGauge,
                 "Calls into plug-ins and components that have not returned.");
-    for (const auto& [where, one] : all)
-        out->Sample({{"plugin", where.first}, {"entry", where.second}}, numberOf(one.calls));
+    for (const ForeignEntryUse& use : uses)
+        out->Sample({{"plugin", use.module}, {"entry", use.entry}}, numberOf(use.underWay));
     out->Family("oam_plugin_call_oldest_seconds", Kind::kGauge,
                 "For how long the oldest of them has not returned.");
-    for (const auto& [where, one] : all)
-        out->Sample({{"plugin", where.first}, {"entry", where.second}}, secondsOf(one.oldest));
+    for (const ForeignEntryUse& use : uses)
+        out->Sample({{"plugin", use.module}, {"entry", use.entry}}, secondsOf(use.oldest));
 }
 
 void tellRequests(const RequestCounts& requests, Exposition* out) {

@@ -1,9 +1,11 @@
 #include "services/host_service.h"
 
+#include <google/protobuf/util/time_util.h>
 #include <unistd.h>
 
 #include "failure.h"
 #include "foreign_text.h"
+#include "library/foreign_calls.h"
 #include "modules.h"
 #include "oam/entry.h"
 #include "services/control.h"
@@ -34,6 +36,16 @@ v1::Finding::Severity severityOf(Complaint::Severity severity) {
     return v1::Finding::SEVERITY_ERROR;
 }
 
+void tell(const ForeignEntryUse& use, v1::EntryUse* told) {
+    using google::protobuf::util::TimeUtil;
+    told->set_entry(use.entry);
+    told->set_calls(use.calls);
+    *told->mutable_total() = TimeUtil::NanosecondsToDuration(use.sum.count());
+    told->set_under_way(static_cast<std::uint32_t>(use.underWay));
+    if (use.underWay != 0)
+        *told->mutable_oldest() = TimeUtil::NanosecondsToDuration(use.oldest.count());
+}
+
 }  // namespace
 
 // Answers also while every thread of the lanes hangs: it asks the service for nothing.
@@ -60,11 +72,14 @@ grpc::ServerUnaryReactor* HostService::ListModules(grpc::CallbackServerContext* 
                                                    const v1::ListModulesRequest*,
                                                    v1::ListModulesResponse* response) {
     return core_.calls.Take(context, kModules, "", [=](const Call&) {
+        const std::vector<ForeignEntryUse> uses = ForeignEntryUses();
         for (const ModuleFacts& module : LoadedModules()) {
             auto* const told = response->add_modules();
             told->set_name(module.name);
             told->set_is_component(module.kind == ObjectKind::kComponent);
             for (const std::string& product : module.products) told->add_products(product);
+            for (const ForeignEntryUse& use : uses)
+                if (use.module == module.name) tell(use, told->add_entries());
         }
         return grpc::Status::OK;
     });

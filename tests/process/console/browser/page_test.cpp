@@ -81,6 +81,24 @@ TEST_F(ConsolePage, ShowsARefusalAtItsFieldAndKeepsTheOtherChanges) {
     EXPECT_EQ(Tool({"get", "Line left", "Driver.BoardId"}), "trunk\n");
 }
 
+TEST_F(ConsolePage, TestsABoardAndAsksForItsStatus) {
+    Tool({"board", "add", "--all"});
+    Enter();
+    Go("#/board/Line%20left");
+    browser->Type("#selector", "0");
+    browser->Click(".parts form:last-child button");
+    browser->AwaitText(".parts output", "= 0");
+    browser->Click("[data-key=start]");
+    browser->AwaitText(".toast.good", "start of Line left: done");
+    browser->Type("#selector", "0");
+    browser->Click(".parts form:last-child button");
+    browser->AwaitText(".parts output", "= 2");
+    browser->Type("#test-value", "3");
+    browser->Click("[data-key=test]");
+    browser->AwaitText(".toast.good", "test of Line left: done");
+    browser->AwaitText(".summary .outcome", "test done");
+}
+
 TEST_F(ConsolePage, RollsAnObjectBackAfterShowingWhatThatChanges) {
     Tool({"board", "add", "--all"});
     Enter();

@@ -147,6 +147,10 @@ void Browser::Type(const std::string& selector, const std::string& text) {
     Ask("POST", element + "/value", {{"text", text}});
 }
 
+void Browser::Choose(const std::string& selector, const std::string& path) {
+    Ask("POST", Find(selector) + "/value", {{"text", path}});
+}
+
 void Browser::Press(const std::string& keys) {
     json actions = json::array();
     // Each key is one character, beyond ASCII too.

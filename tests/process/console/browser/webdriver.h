@@ -45,6 +45,8 @@ class Browser {
     // As a person does it: scrolled to, and by the mouse or the keyboard.
     void Click(const std::string& selector);
     void Type(const std::string& selector, const std::string& text);
+    // The file at this path, in an input for files.
+    void Choose(const std::string& selector, const std::string& path);
     // Keys for whatever has the focus.
     void Press(const std::string& keys);
 
