@@ -16,7 +16,7 @@ using Events = std::vector<BoardEvent>;
 using Action = bool (*)(std::string_view arguments, SimulatedBoard* board, Events* events);
 
 bool setTemperature(std::string_view arguments, SimulatedBoard* board, Events* events) {
-    const auto value = boundedNumber(arguments, kCoolest, kHottest);
+    const auto value = kit::boundedNumber(arguments, kCoolest, kHottest);
     if (!value) return false;
     board->SetTemperature(static_cast<int>(*value));
     *events = board->Look(Clock::now());
@@ -24,7 +24,7 @@ bool setTemperature(std::string_view arguments, SimulatedBoard* board, Events* e
 }
 
 bool setFan(std::string_view arguments, SimulatedBoard* board, Events* events) {
-    const auto value = boundedNumber(arguments, 0, kFastestFan);
+    const auto value = kit::boundedNumber(arguments, 0, kFastestFan);
     if (!value) return false;
     board->SetFan(static_cast<int>(*value));
     *events = board->Look(Clock::now());
@@ -33,9 +33,10 @@ bool setFan(std::string_view arguments, SimulatedBoard* board, Events* events) {
 
 bool failNext(std::string_view arguments, SimulatedBoard* board, Events*) {
     const auto word = takePart(&arguments, ' ');
-    const auto times = trimmed(arguments).empty() ? 1 : boundedNumber(trimmed(arguments), 0, 1000);
+    const auto times =
+        kit::trimmed(arguments).empty() ? 1 : kit::boundedNumber(kit::trimmed(arguments), 0, 1000);
     for (const auto operation : {Operation::Start, Operation::Stop, Operation::Test}) {
-        if (!sameText(word, rowOf(operation).word) || !times) continue;
+        if (!kit::sameText(word, rowOf(operation).word) || !times) continue;
         board->FailNext(operation, static_cast<unsigned int>(*times));
         return true;
     }
@@ -79,13 +80,14 @@ constexpr std::array kCommands = {
 
 oam_result runCommand(std::string_view text, SimulatedBoard* board, Events* events) {
     if (text.ends_with('\0')) text.remove_suffix(1);
-    text = trimmed(text);
+    text = kit::trimmed(text);
     const auto word = takePart(&text, ' ');
-    const auto command = std::find_if(kCommands.begin(), kCommands.end(),
-                                      [&](const Command& row) { return sameText(row.word, word); });
+    const auto command = std::find_if(kCommands.begin(), kCommands.end(), [&](const Command& row) {
+        return kit::sameText(row.word, word);
+    });
     if (command == kCommands.end()) return OAMERR_SEND_BUFFER_FAIL;
     if (command->needsBoard && !board->IsPresent()) return SIM_BOARD_NOT_IN_SLOT;
-    return command->run(trimmed(text), board, events) ? OAM_SUCCESS : OAMERR_SEND_BUFFER_FAIL;
+    return command->run(kit::trimmed(text), board, events) ? OAM_SUCCESS : OAMERR_SEND_BUFFER_FAIL;
 }
 
 }  // namespace oam::sim

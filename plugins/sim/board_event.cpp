@@ -2,8 +2,8 @@
 
 #include <array>
 
-#include "alert_record.h"
-#include "kept_text.h"
+#include "kit/alert_record.h"
+#include "kit/kept_text.h"
 #include "oam/entry.h"
 
 namespace oam::sim {
@@ -11,12 +11,12 @@ namespace oam::sim {
 void raiseEvents(const std::vector<BoardEvent>& events, const std::string& plugInObject) {
     for (const auto& event : events) {
         const auto& [bus, slot] = event.location;
-        std::array<char, kLongestObjectName + 1> board;
+        std::array<char, kit::kLongestName + 1> board;
         if (_oamBoardLookupByBusSlot(bus, slot, board.data(), board.size())) {
-            raiseAlert(event.code, event.severity, plugInObject,
-                       event.location.Text() + ": " + event.text);
+            kit::raiseAlert(event.code, event.severity, plugInObject,
+                            event.location.Text() + ": " + event.text);
         } else {
-            raiseAlert(event.code, event.severity, board.data(), event.text);
+            kit::raiseAlert(event.code, event.severity, board.data(), event.text);
         }
     }
 }

@@ -6,9 +6,9 @@
 #include <vector>
 
 #include "chassis_file.h"
-#include "db_access.h"
 #include "keyword_rule.h"
-#include "text_scan.h"
+#include "kit/db_access.h"
+#include "kit/text_scan.h"
 
 namespace oam::sim {
 namespace {
@@ -113,8 +113,8 @@ oam_result installBoardKeywords(unsigned long handle, const Thresholds& threshol
 
 Location readLocation(unsigned long handle) {
     const auto number = [&](const char* keyword, unsigned int max) {
-        const auto text = readKeyword(handle, keyword).value_or("");
-        return static_cast<unsigned int>(boundedNumber(text, 0, max).value_or(0));
+        const auto text = kit::readKeyword(handle, keyword).value_or("");
+        return static_cast<unsigned int>(kit::boundedNumber(text, 0, max).value_or(0));
     };
     return {.bus = number("Location.PCI.Bus", kHighestBus),
             .slot = number("Location.PCI.Slot", kHighestSlot)};
@@ -124,8 +124,8 @@ Thresholds readThresholds(unsigned long handle, const Thresholds& usual) {
     constexpr std::numeric_limits<int> kInt;
     auto thresholds = usual;
     for (const auto& row : kThresholds) {
-        const auto text = readKeyword(handle, row.keyword).value_or("");
-        const auto number = boundedNumber(text, kInt.min(), kInt.max());
+        const auto text = kit::readKeyword(handle, row.keyword).value_or("");
+        const auto number = kit::boundedNumber(text, kInt.min(), kInt.max());
         if (number) thresholds.*row.value = static_cast<int>(*number);
     }
     return thresholds;

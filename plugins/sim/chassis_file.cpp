@@ -6,7 +6,7 @@
 #include <set>
 #include <utility>
 
-#include "kept_text.h"
+#include "kit/kept_text.h"
 #include "sensor_watch.h"
 #include "text_scan.h"
 
@@ -69,27 +69,27 @@ class ChassisParser {
 
     void ReadLine(std::string_view line) {
         if (line.size() > kLongestLine) return Report("the line is too long");
-        line = trimmed(line);
+        line = kit::trimmed(line);
         if (line.empty() || line.front() == '#') return;
         if (line.find(':') == std::string_view::npos) {
-            return Report("no \"key: value\": " + inQuotes(line));
+            return Report("no \"key: value\": " + kit::quoted(line));
         }
         const auto word = takePart(&line, ':');
-        const auto value = trimmed(line);
-        if (sameText(word, "board")) return BeginBoard(value);
+        const auto value = kit::trimmed(line);
+        if (kit::sameText(word, "board")) return BeginBoard(value);
         const auto* key = FindKey(word);
-        if (key == nullptr) return Report("unknown key " + inQuotes(word));
+        if (key == nullptr) return Report("unknown key " + kit::quoted(word));
         if (skipping_) return;
-        if (!draft_) return Report(inQuotes(word) + " stands before the first board");
+        if (!draft_) return Report(kit::quoted(word) + " stands before the first board");
         if (const char* wanted = (this->*key->set)(value)) {
-            Report(inQuotes(key->word) + " wants " + wanted + ", not " + inQuotes(value));
+            Report(kit::quoted(key->word) + " wants " + wanted + ", not " + kit::quoted(value));
         }
     }
 
     void BeginBoard(std::string_view name) {
         FinishBoard();
-        skipping_ = !canNameObject(name);
-        if (skipping_) return Report("this cannot name a board: " + inQuotes(name));
+        skipping_ = !kit::canNameObject(name);
+        if (skipping_) return Report("this cannot name a board: " + kit::quoted(name));
         draft_.emplace();
         draft_->plan.name = name;
         draft_->line = line_;
@@ -100,9 +100,9 @@ class ChassisParser {
         auto draft = std::move(*draft_);
         draft_.reset();
         if (const char* lack = WhatIsWrong(draft)) {
-            return ReportAt(draft.line, inQuotes(draft.plan.name) + " is left out: " + lack);
+            return ReportAt(draft.line, kit::quoted(draft.plan.name) + " is left out: " + lack);
         }
-        names_.insert(lowerCase(draft.plan.name));
+        names_.insert(kit::lowerCase(draft.plan.name));
         locations_.insert(draft.plan.location);
         reading_.boards.push_back(std::move(draft.plan));
     }
@@ -111,20 +111,20 @@ class ChassisParser {
         if (draft.plan.product.empty()) return "it has no product";
         if (!draft.hasBus || !draft.hasSlot) return "it has no bus and slot";
         if (!draft.plan.location.IsPlaced()) return "bus 0 slot 0 is no place";
-        if (names_.contains(lowerCase(draft.plan.name))) return "its name is taken";
+        if (names_.contains(kit::lowerCase(draft.plan.name))) return "its name is taken";
         if (locations_.contains(draft.plan.location)) return "its bus and slot are taken";
         if (reading_.boards.size() == kMostBoards) return "there are too many boards";
         return nullptr;
     }
 
     const char* SetProduct(std::string_view value) {
-        if (!canNameObject(value)) return "a product's name";
+        if (!kit::canNameObject(value)) return "a product's name";
         draft_->plan.product = value;
         return nullptr;
     }
 
     const char* SetBus(std::string_view value) {
-        const auto bus = boundedNumber(value, 0, kHighestBus);
+        const auto bus = kit::boundedNumber(value, 0, kHighestBus);
         if (!bus) return "a number from 0 to 255";
         draft_->plan.location.bus = static_cast<unsigned int>(*bus);
         draft_->hasBus = true;
@@ -132,7 +132,7 @@ class ChassisParser {
     }
 
     const char* SetSlot(std::string_view value) {
-        const auto slot = boundedNumber(value, 0, kHighestSlot);
+        const auto slot = kit::boundedNumber(value, 0, kHighestSlot);
         if (!slot) return "a number from 0 to 31";
         draft_->plan.location.slot = static_cast<unsigned int>(*slot);
         draft_->hasSlot = true;
@@ -140,7 +140,7 @@ class ChassisParser {
     }
 
     const char* SetSerial(std::string_view value) {
-        if (value.size() > kLongestObjectName || !canKeepValue(value)) return "a serial number";
+        if (value.size() > kit::kLongestName || !kit::canKeepValue(value)) return "a serial number";
         draft_->plan.serial = value;
         return nullptr;
     }
@@ -208,7 +208,7 @@ const ChassisParser::Key* ChassisParser::FindKey(std::string_view word) {
         {"test", &ChassisParser::SetScript<Operation::Test>},
     });
     const auto key = std::find_if(kKeys.begin(), kKeys.end(),
-                                  [&](const Key& row) { return sameText(row.word, word); });
+                                  [&](const Key& row) { return kit::sameText(row.word, word); });
     return key == kKeys.end() ? nullptr : key;
 }
 

@@ -2,15 +2,15 @@
 
 #include <array>
 
-#include "kept_text.h"
+#include "kit/kept_text.h"
+#include "kit/text_scan.h"
 #include "oam/entry.h"
-#include "text_scan.h"
 
 namespace oam::sim {
 namespace {
 
 oam_result askTable(const std::string& name, ConfiguredBoard* board) {
-    std::array<char, kLongestObjectName + 1> product;
+    std::array<char, kit::kLongestName + 1> product;
     Location location;
     if (auto failed = _oamBoardGetBusSlot(name.c_str(), &location.bus, &location.slot)) {
         return failed;
@@ -32,12 +32,12 @@ oam_result ConfiguredBoards::Find(const std::string& name, ConfiguredBoard* boar
 
     const std::lock_guard hold(lock_);
     if (answer) {
-        const auto known = boards_.find(lowerCase(name));
+        const auto known = boards_.find(kit::lowerCase(name));
         if (known == boards_.end()) return OAMERR_NOT_FOUND;
         *board = known->second;
         return OAM_SUCCESS;
     }
-    auto& known = boards_[lowerCase(name)];
+    auto& known = boards_[kit::lowerCase(name)];
     found.thresholds = known.thresholds;
     known = found;
     *board = found;
@@ -46,21 +46,21 @@ oam_result ConfiguredBoards::Find(const std::string& name, ConfiguredBoard* boar
 
 void ConfiguredBoards::Remember(const std::string& name, const ConfiguredBoard& board) {
     const std::lock_guard hold(lock_);
-    boards_[lowerCase(name)] = board;
+    boards_[kit::lowerCase(name)] = board;
 }
 
 void ConfiguredBoards::Rename(std::string_view from, std::string_view to) {
     const std::lock_guard hold(lock_);
-    auto moved = boards_.extract(lowerCase(from));
+    auto moved = boards_.extract(kit::lowerCase(from));
     if (moved.empty()) return;
-    moved.key() = lowerCase(to);
+    moved.key() = kit::lowerCase(to);
     boards_.erase(moved.key());
     boards_.insert(std::move(moved));
 }
 
 void ConfiguredBoards::Forget(std::string_view name) {
     const std::lock_guard hold(lock_);
-    boards_.erase(lowerCase(name));
+    boards_.erase(kit::lowerCase(name));
 }
 
 }  // namespace oam::sim

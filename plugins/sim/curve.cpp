@@ -7,14 +7,14 @@
 namespace oam::sim {
 
 std::optional<Curve> Curve::Parse(std::string_view text, int min, int max) {
-    const auto first = boundedNumber(takePart(&text, ','), min, max);
+    const auto first = kit::boundedNumber(takePart(&text, ','), min, max);
     if (!first) return {};
     Curve curve(static_cast<int>(*first));
     while (!text.empty()) {
         auto part = takePart(&text, ',');
-        const auto value = boundedNumber(takePart(&part, ' '), min, max);
-        const bool hasTime = sameText(takePart(&part, ' '), "after");
-        const auto time = timeSpan(trimmed(part));
+        const auto value = kit::boundedNumber(takePart(&part, ' '), min, max);
+        const bool hasTime = kit::sameText(takePart(&part, ' '), "after");
+        const auto time = timeSpan(kit::trimmed(part));
         if (!value || !hasTime || !time || *time <= curve.steps_.back().time) return {};
         if (curve.steps_.size() == kLongest) return {};
         curve.steps_.push_back({*time, static_cast<int>(*value)});

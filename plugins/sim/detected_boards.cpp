@@ -4,7 +4,7 @@
 #include <array>
 #include <utility>
 
-#include "text_scan.h"
+#include "kit/text_scan.h"
 
 namespace oam::sim {
 namespace {
@@ -32,23 +32,24 @@ const Member* findMember(std::string_view keyword, std::size_t* index) {
     const auto open = keyword.find('[');
     const auto close = keyword.find(']');
     if (open != kFamily.size() || close == std::string_view::npos) return nullptr;
-    const auto number = boundedNumber(keyword.substr(open + 1, close - open - 1), 0, 1 << 30);
+    const auto number = kit::boundedNumber(keyword.substr(open + 1, close - open - 1), 0, 1 << 30);
     if (!number) return nullptr;
     *index = static_cast<std::size_t>(*number);
     const auto name = keyword.substr(close + 1);
-    const auto member = std::find_if(kMembers.begin(), kMembers.end(),
-                                     [&](const Member& row) { return sameText(row.name, name); });
+    const auto member = std::find_if(kMembers.begin(), kMembers.end(), [&](const Member& row) {
+        return kit::sameText(row.name, name);
+    });
     return member == kMembers.end() ? nullptr : member;
 }
 
 bool isCount(std::string_view keyword) {
-    return sameText(keyword.substr(std::min(kFamily.size(), keyword.size())), kCount);
+    return kit::sameText(keyword.substr(std::min(kFamily.size(), keyword.size())), kCount);
 }
 
 }  // namespace
 
 bool DetectedBoards::Holds(std::string_view keyword) {
-    if (!sameText(keyword.substr(0, kFamily.size()), kFamily)) return false;
+    if (!kit::sameText(keyword.substr(0, kFamily.size()), kFamily)) return false;
     const auto rest = keyword.substr(kFamily.size());
     return rest.empty() || rest.front() == '.' || rest.front() == '[';
 }
@@ -71,8 +72,8 @@ std::optional<std::string> DetectedBoards::Get(std::string_view keyword) const {
 std::optional<std::string> DetectedBoards::GetQualifier(std::string_view keyword,
                                                         std::string_view qualifier) const {
     if (!Get(keyword)) return {};
-    if (sameText(qualifier, "ReadOnly")) return "Yes";
-    if (!sameText(qualifier, "Type")) return {};
+    if (kit::sameText(qualifier, "ReadOnly")) return "Yes";
+    if (!kit::sameText(qualifier, "Type")) return {};
     std::size_t index = 0;
     const auto* const member = findMember(keyword, &index);
     return std::string(member == nullptr ? "Integer" : member->type);

@@ -1,15 +1,8 @@
 // The seventeen entries of the plug-in: nothing but the way in.
-//
-// Init makes a simulation and Exit lets it go; every other entry takes a share of it for the time
-// of its call. No exception leaves an entry. The place where the simulation is kept is never freed,
-// because a worker may still be in an entry while the process's exit handlers run.
-#include <memory>
-#include <mutex>
-#include <new>
 #include <string>
 #include <string_view>
-#include <utility>
 
+#include "kit/life.h"
 #include "oam/plugin.h"
 #include "sim_codes.h"
 #include "simulation.h"
@@ -18,68 +11,18 @@ namespace {
 
 using oam::sim::Operation;
 using oam::sim::Simulation;
-
-struct Place {
-    std::mutex lock;
-    std::shared_ptr<Simulation> simulation;
-};
-
-Place& place() {
-    static Place& kept = *new Place;
-    return kept;
-}
-
-std::shared_ptr<Simulation> current() {
-    const std::lock_guard hold(place().lock);
-    return place().simulation;
-}
-
-std::shared_ptr<Simulation> exchangeCurrent(std::shared_ptr<Simulation> next) {
-    const std::lock_guard hold(place().lock);
-    return std::exchange(place().simulation, std::move(next));
-}
-
-template <class Body>
-unsigned int guarded(const Body& body) noexcept {
-    try {
-        return body();
-    } catch (const std::bad_alloc&) {
-        return OAMERR_NOT_ENOUGH_MEMORY;
-    } catch (...) {
-        return OAM_REASON_FAILED;
-    }
-}
+using Life = oam::kit::Life<Simulation>;
 
 template <class Body>
 unsigned int withSimulation(const Body& body) noexcept {
-    return guarded([&] {
-        const auto simulation = current();
-        return simulation ? body(*simulation) : OAMERR_SERVER_NOT_RUNNING;
-    });
-}
-
-void endSimulation() {
-    if (const auto simulation = exchangeCurrent(nullptr)) simulation->End();
+    return Life::Place().With(body);
 }
 
 }  // namespace
 
-unsigned int Init(const char* fileName) {
-    return guarded([&] {
-        endSimulation();
-        const auto simulation = std::make_shared<Simulation>(fileName);
-        if (auto failed = simulation->Begin()) return failed;
-        exchangeCurrent(simulation);
-        return OAM_SUCCESS;
-    });
-}
+unsigned int Init(const char* fileName) { return Life::Place().Begin(std::string(fileName)); }
 
-unsigned int Exit() {
-    return guarded([] {
-        endSimulation();
-        return OAM_SUCCESS;
-    });
-}
+unsigned int Exit() { return Life::Place().End(); }
 
 const char* GetText(unsigned int code) { return oam::sim::codeName(code); }
 

@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "db_access.h"
+#include "kit/db_access.h"
 
 namespace oam::sim {
 namespace {

@@ -11,23 +11,23 @@ namespace {
 std::optional<Outcome> parseCode(std::string_view text) {
     if (!text.starts_with("0x") && !text.starts_with("0X")) return {};
     const auto code =
-        boundedNumber(text.substr(2), 1, std::numeric_limits<unsigned int>::max(), 16);
+        kit::boundedNumber(text.substr(2), 1, std::numeric_limits<unsigned int>::max(), 16);
     if (!code) return {};
     return Outcome{.kind = Outcome::Kind::Code, .code = static_cast<oam_result>(*code)};
 }
 
 std::optional<Outcome> parseStep(std::string_view text) {
     const auto word = takePart(&text, ' ');
-    text = trimmed(text);
-    if (sameText(word, "hang")) {
+    text = kit::trimmed(text);
+    if (kit::sameText(word, "hang")) {
         const auto time = timeSpan(text);
         if (!time) return {};
         return Outcome{.kind = Outcome::Kind::Hang, .hang = *time};
     }
-    if (sameText(word, "code")) return parseCode(text);
+    if (kit::sameText(word, "code")) return parseCode(text);
     if (!text.empty()) return {};
-    if (sameText(word, "ok")) return Outcome{};
-    if (sameText(word, "fail")) return Outcome{.kind = Outcome::Kind::Fail};
+    if (kit::sameText(word, "ok")) return Outcome{};
+    if (kit::sameText(word, "fail")) return Outcome{.kind = Outcome::Kind::Fail};
     return {};
 }
 

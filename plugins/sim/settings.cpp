@@ -5,8 +5,8 @@
 #include <chrono>
 #include <limits>
 
-#include "db_access.h"
 #include "keyword_rule.h"
+#include "kit/db_access.h"
 #include "text_scan.h"
 #include "value_check.h"
 
@@ -76,22 +76,22 @@ std::string freshProduct(unsigned long handle, const KeywordRule& rule, std::siz
 }
 
 long long readNumber(unsigned long handle, const char* keyword, int base = 10) {
-    const auto stored = readKeyword(handle, keyword).value_or("");
-    return boundedNumber(stored, std::numeric_limits<int>::min(),
-                         std::numeric_limits<unsigned int>::max(), base)
+    const auto stored = kit::readKeyword(handle, keyword).value_or("");
+    return kit::boundedNumber(stored, std::numeric_limits<int>::min(),
+                              std::numeric_limits<unsigned int>::max(), base)
         .value_or(0);
 }
 
 bool isGood(unsigned long handle, const std::string& keyword) {
-    const auto stored = readKeyword(handle, keyword);
+    const auto stored = kit::readKeyword(handle, keyword);
     return stored && acceptedValue(handle, keyword, *stored);
 }
 
 oam_result replaceKeyword(unsigned long handle, const std::string& keyword,
                           const std::string& value, std::vector<std::string>* repairs) {
-    if (const auto stored = readKeyword(handle, keyword)) {
-        repairs->push_back(inQuotes(keyword) + " was " + inQuotes(*stored) + " and is now " +
-                           inQuotes(value) + ".");
+    if (const auto stored = kit::readKeyword(handle, keyword)) {
+        repairs->push_back(kit::quoted(keyword) + " was " + kit::quoted(*stored) + " and is now " +
+                           kit::quoted(value) + ".");
     }
     return _oamDbSetKeyword(handle, keyword.c_str(), value.c_str());
 }
@@ -112,12 +112,12 @@ oam_result completeProducts(unsigned long handle, std::vector<std::string>* repa
 
 bool Settings::Serves(std::string_view product) const {
     return std::any_of(products.begin(), products.end(),
-                       [&](const std::string& served) { return sameText(served, product); });
+                       [&](const std::string& served) { return kit::sameText(served, product); });
 }
 
 oam_result completeSettings(unsigned long handle, const std::string& objectName,
                             std::vector<std::string>* repairs) {
-    if (!sameText(readKeyword(handle, "Name").value_or(""), objectName)) {
+    if (!kit::sameText(kit::readKeyword(handle, "Name").value_or(""), objectName)) {
         if (auto failed = replaceKeyword(handle, "Name", objectName, repairs)) return failed;
     }
     const auto rules = settingRules();
@@ -138,10 +138,10 @@ Settings readSettings(unsigned long handle) {
                                 .result = static_cast<oam_result>(readNumber(handle, failure, 16))};
     };
     Settings settings;
-    settings.chassisFile = readKeyword(handle, "Chassis.File").value_or("");
+    settings.chassisFile = kit::readKeyword(handle, "Chassis.File").value_or("");
     const auto count = readNumber(handle, "Products.Count");
     for (long long i = 0; i < count; ++i) {
-        settings.products.push_back(readKeyword(handle, productRule(i).name).value_or(""));
+        settings.products.push_back(kit::readKeyword(handle, productRule(i).name).value_or(""));
     }
     settings.operations[Operation::Start] = operation("Timing.StartMs", "Failure.Start");
     settings.operations[Operation::Stop] = operation("Timing.StopMs", "Failure.Stop");

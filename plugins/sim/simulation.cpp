@@ -6,18 +6,18 @@
 #include <system_error>
 #include <utility>
 
-#include "alert_record.h"
 #include "board_keywords.h"
 #include "chassis_file.h"
 #include "chassis_source.h"
-#include "db_access.h"
-#include "kept_text.h"
-#include "text_scan.h"
+#include "kit/alert_record.h"
+#include "kit/db_access.h"
+#include "kit/kept_text.h"
+#include "kit/text_scan.h"
 
 namespace oam::sim {
 
 oam_result Simulation::Begin() {
-    DbOpening object(objectName_, OAM_OPEN_WRITE | OAM_OPEN_PROVIDER);
+    kit::DbOpening object(objectName_, OAM_OPEN_WRITE | OAM_OPEN_PROVIDER);
     if (auto failed = object.Failure()) return failed;
     std::vector<std::string> repairs;
     if (auto failed = completeSettings(object.Handle(), objectName_, &repairs)) return failed;
@@ -53,7 +53,8 @@ void Simulation::TakeSettings(unsigned long handle) {
 }
 
 void Simulation::TellRepairs(const std::vector<std::string>& repairs) const {
-    for (const auto& repair : repairs) raiseAlert(OAMEVN_ALERT, OAM_ERROR, objectName_, repair);
+    for (const auto& repair : repairs)
+        kit::raiseAlert(OAMEVN_ALERT, OAM_ERROR, objectName_, repair);
 }
 
 void Simulation::ReceiveAlert(const oam_msg_tag* message) {
@@ -70,8 +71,8 @@ void Simulation::ReceiveAlert(const oam_msg_tag* message) {
 void Simulation::LoadChassis() {
     const auto settings = CurrentSettings();
     const auto complain = [&](const std::string& where, const std::string& what) {
-        raiseAlert(OAMEVN_ALERT, OAM_ERROR, objectName_,
-                   settings->chassisFile + where + ": " + what);
+        kit::raiseAlert(OAMEVN_ALERT, OAM_ERROR, objectName_,
+                        settings->chassisFile + where + ": " + what);
     };
     const auto text = chassisText(settings->chassisFile);
     if (!text) return complain("", "the file cannot be read; the chassis stays as it is.");
@@ -93,9 +94,9 @@ void Simulation::DetectBoards() {
         if (settings->Serves(plan.product)) {
             boards.push_back({plan.name, plan.product, plan.location});
         } else if (foreign.insert(plan.product).second && foreign.size() <= kMostProblems) {
-            raiseAlert(
-                OAMEVN_ALERT, OAM_ERROR, objectName_,
-                inQuotes(plan.product) + " is none of the products; its boards are not detected.");
+            kit::raiseAlert(OAMEVN_ALERT, OAM_ERROR, objectName_,
+                            kit::quoted(plan.product) +
+                                " is none of the products; its boards are not detected.");
         }
     }
     detected_.Replace(std::move(boards));
@@ -105,11 +106,11 @@ void Simulation::DetectBoards() {
 // Boards of earlier runs come out of the database without a call of the plug-in.
 void Simulation::RememberStoredBoards() {
     const auto settings = CurrentSettings();
-    std::array<char, kLongestObjectName + 1> name;
+    std::array<char, kit::kLongestName + 1> name;
     for (int i = 0; !_oamDbEnumObjects(i, name.data(), name.size()); ++i) {
-        const DbOpening object(name.data(), OAM_OPEN_READ);
+        const kit::DbOpening object(name.data(), OAM_OPEN_READ);
         if (object.Failure()) continue;
-        const auto product = readKeyword(object.Handle(), "Product");
+        const auto product = kit::readKeyword(object.Handle(), "Product");
         if (!product || !settings->Serves(*product)) continue;
         configured_.Remember(name.data(),
                              {.product = *product,

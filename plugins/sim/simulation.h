@@ -18,12 +18,20 @@
 #include "chassis.h"
 #include "configured_boards.h"
 #include "detected_boards.h"
+#include "kit/handle_map.h"
 #include "oam/message.h"
-#include "open_handles.h"
 #include "sensor_monitor.h"
 #include "settings.h"
 
 namespace oam::sim {
+
+// An object as it was opened: a pending new name is not its name yet. An unknown handle is a
+// board's that nobody writes.
+struct OpenedObject {
+    std::string name{};
+    bool isPlugIn = false;
+    bool isWritable = false;
+};
 
 class Simulation {
   public:
@@ -64,7 +72,7 @@ class Simulation {
     const std::shared_ptr<Chassis> chassis_ = std::make_shared<Chassis>();
     ConfiguredBoards configured_;
     DetectedBoards detected_;
-    OpenHandles handles_;
+    kit::HandleMap<OpenedObject> handles_;
     SensorMonitor monitor_;
 };
 

@@ -2,9 +2,9 @@
 #include <array>
 
 #include "board_command.h"
+#include "kit/text_scan.h"
 #include "sim_codes.h"
 #include "simulation.h"
-#include "text_scan.h"
 
 namespace oam::sim {
 namespace {
@@ -24,7 +24,7 @@ oam_result Simulation::Locate(const std::string& board, std::shared_ptr<Simulate
     if (auto failed = configured_.Find(board, &configured)) return failed;
     auto inSlot = chassis_->At(configured.location);
     if (!inSlot) return SIM_BOARD_NOT_IN_SLOT;
-    if (!sameText(inSlot->Plan().product, configured.product)) return SIM_WRONG_PRODUCT;
+    if (!kit::sameText(inSlot->Plan().product, configured.product)) return SIM_WRONG_PRODUCT;
     inSlot->SetThresholds(configured.thresholds.value_or(CurrentSettings()->thresholds));
     *found = std::move(inSlot);
     return OAM_SUCCESS;

@@ -4,9 +4,9 @@
 #include <optional>
 
 #include "board_keywords.h"
-#include "db_access.h"
+#include "kit/db_access.h"
+#include "kit/text_scan.h"
 #include "simulation.h"
-#include "text_scan.h"
 #include "value_check.h"
 
 namespace oam::sim {
@@ -25,7 +25,7 @@ oam_result answerText(const std::optional<std::string>& text, char* buffer, unsi
 
 oam_result Simulation::CreateBoard(const std::string& name, const std::string& product) {
     const auto settings = CurrentSettings();
-    DbOpening object(name, OAM_OPEN_WRITE | OAM_OPEN_PROVIDER);
+    kit::DbOpening object(name, OAM_OPEN_WRITE | OAM_OPEN_PROVIDER);
     if (auto failed = object.Failure()) return failed;
     if (auto failed = installBoardKeywords(object.Handle(), settings->thresholds)) return failed;
     configured_.Remember(name, {.product = product,
@@ -43,18 +43,18 @@ oam_result Simulation::DestroyBoard(const std::string& name) {
 }
 
 oam_result Simulation::OpenObject(unsigned long handle, unsigned int mode) {
-    const auto name = readKeyword(handle, "Name").value_or("");
+    const auto name = kit::readKeyword(handle, "Name").value_or("");
     const OpenedObject object = {.name = name,
-                                 .isPlugIn = sameText(name, objectName_),
+                                 .isPlugIn = kit::sameText(name, objectName_),
                                  .isWritable = (mode & OAM_OPEN_WRITE) != 0};
     if (object.isWritable && !object.isPlugIn) {
         // An imported or older board may lack what the rules are kept in.
-        const ProviderMode provider(handle);
+        const kit::ProviderMode provider(handle);
         if (auto failed = installBoardKeywords(handle, CurrentSettings()->thresholds)) {
             return failed;
         }
     }
-    handles_.Add(handle, object);
+    handles_.Set(handle, object);
     return OAM_SUCCESS;
 }
 
@@ -72,10 +72,10 @@ oam_result Simulation::CloseBoard(unsigned long handle, const std::string& name)
     const auto location = readLocation(handle);
     const auto board = chassis_->At(location);
     const auto plan = board ? std::make_optional(board->Plan()) : std::nullopt;
-    const ProviderMode provider(handle);
+    const kit::ProviderMode provider(handle);
     if (auto failed = followSlot(handle, plan ? &*plan : nullptr)) return failed;
     configured_.Remember(name,
-                         {.product = readKeyword(handle, "Product").value_or(""),
+                         {.product = kit::readKeyword(handle, "Product").value_or(""),
                           .location = location,
                           .thresholds = readThresholds(handle, CurrentSettings()->thresholds)});
     return OAM_SUCCESS;
@@ -91,7 +91,7 @@ oam_result Simulation::SetKeyword(unsigned long handle, const std::string& keywo
     if (!isPlugIn) return OAM_SUCCESS;
 
     // A count that grew needs its elements, before the client sets them.
-    const ProviderMode provider(handle);
+    const kit::ProviderMode provider(handle);
     std::vector<std::string> repairs;
     const auto failed = completeSettings(handle, objectName_, &repairs);
     TellRepairs(repairs);

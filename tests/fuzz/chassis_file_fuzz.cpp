@@ -9,13 +9,14 @@
 
 #include "chassis_file.h"
 #include "fuzz_target.h"
-#include "kept_text.h"
+#include "kit/kept_text.h"
 #include "sensor_watch.h"
 #include "text_scan.h"
 
 namespace {
 
 using namespace oam::sim;
+namespace kit = oam::kit;
 using oam::fuzz::Require;
 
 bool isSamePlan(const BoardPlan& left, const BoardPlan& right) {
@@ -55,8 +56,9 @@ void holdsOutcomes(OutcomeScript script) {
 }
 
 void keepsTheRules(const BoardPlan& plan) {
-    Require(canNameObject(plan.name) && canNameObject(plan.product), "names can be stored");
-    Require(canKeepValue(plan.serial) && plan.serial.size() <= kLongestObjectName,
+    Require(kit::canNameObject(plan.name) && kit::canNameObject(plan.product),
+            "names can be stored");
+    Require(kit::canKeepValue(plan.serial) && plan.serial.size() <= kit::kLongestName,
             "serial numbers can be stored");
     Require(plan.location.IsPlaced() && plan.location.bus <= kHighestBus &&
                 plan.location.slot <= kHighestSlot,
@@ -77,15 +79,14 @@ void keepsTheRules(const ChassisReading& reading, std::string_view text) {
     std::set<Location> locations;
     for (const BoardPlan& plan : reading.boards) {
         keepsTheRules(plan);
-        Require(names.insert(lowerCase(plan.name)).second, "no name comes twice");
+        Require(names.insert(kit::lowerCase(plan.name)).second, "no name comes twice");
         Require(locations.insert(plan.location).second, "no place comes twice");
     }
     Require(reading.problems.size() <= kMostProblems + 1, "problems are counted, not listed");
     const auto lines = static_cast<std::size_t>(std::count(text.begin(), text.end(), '\n')) + 1;
     for (const ChassisProblem& problem : reading.problems) {
         Require(problem.line <= lines, "a problem is in the file");
-        Require(!problem.what.empty() && !hasControlCharacter(problem.what),
-                "a problem can be shown");
+        Require(!problem.what.empty() && !kit::hasControl(problem.what), "a problem can be shown");
     }
 }
 

@@ -63,20 +63,23 @@ TEST(KitKeptText, IsWhatADataFileGivesBack) {
     }
     EXPECT_TRUE(canKeepValue(std::string(2047, 'x')));
     EXPECT_FALSE(canKeepValue(std::string(2048, 'x')));
+    EXPECT_FALSE(canKeepValue(std::string_view("a\0b", 3)));
 }
 
 TEST(KitKeptText, OfANameIsATagToo) {
     EXPECT_TRUE(canKeepKeyword("Boards[1].Name"));
-    for (const char* bad : {"", "a>b", "a\\b", "!a", "?a", "/a", " a"}) {
+    for (const char* bad : {"", "a>b", "a\\b", "!a", "?a", "/a", " a", "a<b"}) {
         EXPECT_FALSE(canKeepKeyword(bad)) << bad;
         EXPECT_FALSE(canNameObject(bad)) << bad;
     }
+    EXPECT_TRUE(canKeepKeyword(std::string(120, 'x')));
     EXPECT_FALSE(canKeepKeyword(std::string(121, 'x')));
 }
 
 TEST(KitKeptText, OfAnObjectsNameIsNoModulesFile) {
     EXPECT_TRUE(canNameObject("Board 1"));
     EXPECT_TRUE(canNameObject("x.bp"));
+    EXPECT_TRUE(canNameObject("x.bpi.old"));
     for (const char* bad : {"x.bpi", "x.EMC", ".bpi"}) EXPECT_FALSE(canNameObject(bad)) << bad;
     EXPECT_TRUE(canNameObject(std::string(127, 'x')));
     EXPECT_FALSE(canNameObject(std::string(128, 'x')));

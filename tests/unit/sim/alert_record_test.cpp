@@ -1,4 +1,4 @@
-#include "alert_record.h"
+#include "kit/alert_record.h"
 
 #include <gtest/gtest.h>
 
@@ -10,7 +10,7 @@ namespace oam::sim {
 namespace {
 
 TEST(AlertRecord, LaysOutHeaderSourceAndText) {
-    const AlertRecord record(OAMEVN_FAN_RPM_WARNING, OAM_WARNING, "Board 1", "slow");
+    const kit::AlertRecord record(OAMEVN_FAN_RPM_WARNING, OAM_WARNING, "Board 1", "slow");
     const auto* const message = record.Message();
     EXPECT_EQ(message->size, 24u + 8u + 5u);
     EXPECT_EQ(message->code, 0x4000200Bu);
@@ -23,7 +23,7 @@ TEST(AlertRecord, LaysOutHeaderSourceAndText) {
 }
 
 TEST(AlertRecord, HoldsEmptyTexts) {
-    const AlertRecord record(OAMEVN_ALERT, OAM_INFORMATION, {}, {});
+    const kit::AlertRecord record(OAMEVN_ALERT, OAM_INFORMATION, {}, {});
     EXPECT_EQ(record.Message()->size, 26u);
     EXPECT_STREQ(oamMessageSource(record.Message()), "");
     EXPECT_STREQ(oamMessageText(record.Message()), "");
@@ -31,21 +31,21 @@ TEST(AlertRecord, HoldsEmptyTexts) {
 
 TEST(AlertRecord, CutsLongTextsAndCountsOnlyWhatItHolds) {
     const std::string longText(300, 'x');
-    const AlertRecord record(OAMEVN_ALERT, OAM_ERROR, longText, longText);
+    const kit::AlertRecord record(OAMEVN_ALERT, OAM_ERROR, longText, longText);
     EXPECT_EQ(record.Message()->size, 24u + 256u + 256u);
     EXPECT_EQ(oamMessageSource(record.Message()), std::string(255, 'x'));
     EXPECT_EQ(oamMessageText(record.Message()), std::string(255, 'x'));
 }
 
 TEST(AlertRecord, EndsATextAtItsFirstNul) {
-    const AlertRecord record(OAMEVN_ALERT, OAM_ERROR, "a", std::string_view("b\0c", 3));
+    const kit::AlertRecord record(OAMEVN_ALERT, OAM_ERROR, "a", std::string_view("b\0c", 3));
     EXPECT_EQ(record.Message()->size, 24u + 2u + 2u);
     EXPECT_STREQ(oamMessageText(record.Message()), "b");
 }
 
 TEST(AlertRecord, IsRaisedAsItIs) {
     const FakeService service;
-    raiseAlert(OAMEVN_ALERT, OAM_ERROR, "sim.bpi", "100%s");
+    kit::raiseAlert(OAMEVN_ALERT, OAM_ERROR, "sim.bpi", "100%s");
     EXPECT_EQ(service.Alerts(),
               (std::vector<RaisedAlert>{{OAMEVN_ALERT, OAM_ERROR, "sim.bpi", "100%s"}}));
 }

@@ -62,7 +62,7 @@ oam_result FakeService::OpenDb(const std::string& name, unsigned int mode, unsig
     if (found == objects_.end()) return OAMERR_NOT_FOUND;
     const bool isWritable = (mode & OAM_OPEN_WRITE) != 0;
     for (const auto& [other, opening] : openings_) {
-        const bool isSame = sameText(opening.object, name);
+        const bool isSame = kit::sameText(opening.object, name);
         if (isSame && (isWritable || opening.isWritable)) return OAMERR_ACCESS_DENIED;
     }
     *handle = nextHandle_++;
@@ -177,7 +177,7 @@ bool FakeService::WaitForAlert(const RaisedAlert& alert) const {
 
 }  // namespace oam::sim
 
-using oam::sim::boundedNumber;
+using oam::kit::boundedNumber;
 using oam::sim::FakeService;
 
 static std::string qualified(const char* keyword, const char* qualifier) {

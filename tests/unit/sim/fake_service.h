@@ -15,8 +15,8 @@
 #include <string>
 #include <vector>
 
+#include "kit/text_scan.h"
 #include "oam/entry.h"
-#include "text_scan.h"
 
 namespace oam::sim {
 
@@ -36,7 +36,7 @@ class FakeService {
   public:
     struct IgnoringCase {
         bool operator()(const std::string& left, const std::string& right) const {
-            return lowerCase(left) < lowerCase(right);
+            return kit::lowerCase(left) < kit::lowerCase(right);
         }
     };
     using Entries = std::map<std::string, std::string, IgnoringCase>;

@@ -5,9 +5,9 @@
 
 #include <future>
 
-#include "alert_record.h"
 #include "fake_service.h"
 #include "installation_directory.h"
+#include "kit/alert_record.h"
 #include "sim_codes.h"
 #include "waiting.h"
 
@@ -89,7 +89,7 @@ class SimulationTest : public ::testing::Test {
         return status;
     }
     void Hear(oam_result code, const std::string& source, const std::string& text) {
-        simulation_.ReceiveAlert(AlertRecord(code, OAM_INFORMATION, source, text).Message());
+        simulation_.ReceiveAlert(kit::AlertRecord(code, OAM_INFORMATION, source, text).Message());
     }
 
     InstallationDirectory home_;
