@@ -44,18 +44,41 @@ class TokenFile {
     bool isOurs_ = false;
 };
 
-// Before any thread, so that every thread leaves them to the one that waits.
-sigset_t blockEnds() {
+// Before any thread, so that every thread leaves them to the one that waits. Without certificates
+// there is nothing to read again, and the end of its terminal ends the gateway.
+sigset_t blockSignals(bool hasTls) {
     signal(SIGPIPE, SIG_IGN);
-    sigset_t ends;
-    sigemptyset(&ends);
-    sigaddset(&ends, SIGINT);
-    sigaddset(&ends, SIGTERM);
-    pthread_sigmask(SIG_BLOCK, &ends, nullptr);
-    return ends;
+    sigset_t signals;
+    sigemptyset(&signals);
+    sigaddset(&signals, SIGINT);
+    sigaddset(&signals, SIGTERM);
+    if (hasTls) sigaddset(&signals, SIGHUP);
+    pthread_sigmask(SIG_BLOCK, &signals, nullptr);
+    return signals;
 }
 
-void run(const Settings& settings, const sigset_t& ends) {
+void reload(Gateway* gateway) {
+    try {
+        gateway->ReloadCertificates();
+        std::cerr << "oam-console: the certificates are read again\n";
+    } catch (const std::exception& error) {
+        std::cerr << "oam-console: the certificates stay as they were: " << error.what() << '\n';
+    }
+}
+
+void serveUntilASignal(Gateway* gateway, const sigset_t& signals) {
+    std::thread waiter([&] {
+        for (int which = SIGHUP; which == SIGHUP;)
+            if (sigwait(&signals, &which) == 0 && which == SIGHUP) reload(gateway);
+        gateway->Stop();
+    });
+    gateway->Serve();
+    // Also when it ended by itself.
+    pthread_kill(waiter.native_handle(), SIGTERM);
+    waiter.join();
+}
+
+void run(const Settings& settings, const sigset_t& signals) {
     const auto place = Installation::Locate(settings.directory);
     const std::string socket =
         settings.socketPath.empty() ? wire::SocketPath(place.Directory()) : settings.socketPath;
@@ -65,15 +88,7 @@ void run(const Settings& settings, const sigset_t& ends) {
     if (!gateway.Token().empty())
         std::cout << "enter at " << gateway.Address() << "#token=" << gateway.Token() << '\n';
     std::cout.flush();
-    std::thread waiter([&] {
-        int which = 0;
-        sigwait(&ends, &which);
-        gateway.Stop();
-    });
-    gateway.Serve();
-    // Also when it ended by itself.
-    pthread_kill(waiter.native_handle(), SIGTERM);
-    waiter.join();
+    serveUntilASignal(&gateway, signals);
 }
 
 }  // namespace
@@ -88,9 +103,9 @@ int main(int argc, char** argv) {
         std::cout << OpenApi().dump(1) << '\n';
         return 0;
     }
-    const sigset_t ends = blockEnds();
+    const sigset_t signals = blockSignals(settings->HasTls());
     try {
-        run(*settings, ends);
+        run(*settings, signals);
     } catch (const std::exception& error) {
         std::cerr << "oam-console: " << error.what() << '\n';
         return 1;

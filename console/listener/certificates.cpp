@@ -77,6 +77,11 @@ void SetUpTls(SSL_CTX& context, const TlsFiles& files) {
     ERR_clear_error();
     SSL_CTX_set_min_proto_version(&context, TLS1_2_VERSION);
     SSL_CTX_set_options(&context, SSL_OP_NO_RENEGOTIATION | SSL_OP_NO_COMPRESSION);
+    // A session that is taken up again would not be asked for its certificate, which may not be
+    // good any more.
+    SSL_CTX_set_options(&context, SSL_OP_NO_TICKET);
+    SSL_CTX_set_session_cache_mode(&context, SSL_SESS_CACHE_OFF);
+    SSL_CTX_set_num_tickets(&context, 0);
     if (SSL_CTX_use_certificate_chain_file(&context, files.certificate.c_str()) != 1)
         fail("the certificate " + files.certificate + " cannot be used");
     if (SSL_CTX_use_PrivateKey_file(&context, files.key.c_str(), SSL_FILETYPE_PEM) != 1 ||

@@ -9,7 +9,7 @@
 #include <thread>
 
 #include "listener/body.h"
-#include "listener/certificates.h"
+#include "listener/live_certificates.h"
 #include "listener/replies.h"
 #include "mirror/openapi.h"
 #include "page/files.h"
@@ -35,12 +35,10 @@ void setSocketOptions(int socket) {
     (void)setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &one, sizeof one);
 }
 
-std::vector<std::string> namesOf(const Settings& settings, const httplib::SSLServer* tls) {
+std::vector<std::string> namesOf(const Settings& settings) {
     std::vector<std::string> names = settings.names;
     names.push_back(settings.host);
     if (settings.isLoopback) names.insert(names.end(), {"localhost", "127.0.0.1", "::1"});
-    if (tls != nullptr)
-        for (std::string& name : NamesOfOwn(*tls->ssl_context())) names.push_back(std::move(name));
     return names;
 }
 
@@ -63,24 +61,19 @@ void serveFile(const httplib::Request& request, httplib::Response& response,
 }  // namespace
 
 Gateway::Gateway(const Settings& settings, const std::string& socketPath)
-    : daemon_(socketPath),
+    : names_(namesOf(settings)),
+      daemon_(socketPath),
       counts_(std::make_shared<Workers::Counts>(Workers::Limits{32, settings.streams})),
       streams_(counts_),
       calls_(daemon_, streams_),
       login_(settings, daemon_) {
-    const httplib::SSLServer* tls = nullptr;
-    std::string problem;
     std::function<void()> deepen;
     if (settings.HasTls()) {
-        auto server = std::make_unique<Listening<httplib::SSLServer>>([&](SSL_CTX& context) {
-            try {
-                SetUpTls(context, settings.tls);
-            } catch (const std::runtime_error& error) {
-                problem = error.what();
-            }
-            return problem.empty();
+        certificates_ = std::make_unique<LiveCertificates>(settings.tls);
+        auto server = std::make_unique<Listening<httplib::SSLServer>>([this](SSL_CTX& context) {
+            certificates_->Serve(context);
+            return true;
         });
-        tls = server.get();
         deepen = [raw = server.get()] { raw->Deepen(); };
         server_ = std::move(server);
     } else {
@@ -88,7 +81,6 @@ Gateway::Gateway(const Settings& settings, const std::string& socketPath)
         deepen = [raw = server.get()] { raw->Deepen(); };
         server_ = std::move(server);
     }
-    if (!problem.empty()) throw std::runtime_error(problem);
     SetUp(*server_);
     const int port = settings.port == 0 ? server_->bind_to_any_port(settings.host)
                      : server_->bind_to_port(settings.host, settings.port) ? settings.port
@@ -97,16 +89,30 @@ Gateway::Gateway(const Settings& settings, const std::string& socketPath)
         throw std::runtime_error("cannot listen at " + settings.listen + ": " +
                                  std::strerror(errno));
     deepen();
-    guard_ = std::make_unique<Guard>(namesOf(settings, tls), port);
+    port_ = port;
+    MakeGuard();
     login_.SetPort(port);
     const bool isV6 = settings.host.find(':') != settings.host.npos;
-    address_ = std::string(tls ? "https" : "http") + "://" +
+    address_ = std::string(settings.HasTls() ? "https" : "http") + "://" +
                (isV6 ? '[' + settings.host + ']' : settings.host) + ':' + std::to_string(port) +
                '/';
-    server_->set_default_headers(Guard::Headers(tls != nullptr));
+    server_->set_default_headers(Guard::Headers(settings.HasTls()));
 }
 
 Gateway::~Gateway() = default;
+
+void Gateway::MakeGuard() {
+    std::vector<std::string> names = names_;
+    if (certificates_)
+        for (std::string& name : certificates_->Names()) names.push_back(std::move(name));
+    guard_.store(std::make_shared<Guard>(names, port_));
+}
+
+void Gateway::ReloadCertificates() {
+    if (!certificates_) return;
+    certificates_->Reload();
+    MakeGuard();
+}
 
 void Gateway::SetUp(httplib::Server& server) {
     server.new_task_queue = [this] { return new Workers(counts_); };
@@ -142,7 +148,7 @@ void Gateway::SetUp(httplib::Server& server) {
 
 void Gateway::Handle(const httplib::Request& request, httplib::Response& response,
                      const httplib::ContentReader* reader) {
-    if (const auto objection = guard_->Look(request)) {
+    if (const auto objection = guard_.load()->Look(request)) {
         if (reader != nullptr) DropBody(request, *reader);
         return Refuse(response, objection->status, objection->reason, objection->rule);
     }

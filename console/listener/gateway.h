@@ -8,6 +8,7 @@
 #include "daemon/daemon_connection.h"
 #include "listener/event_streams.h"
 #include "listener/guard.h"
+#include "listener/live_certificates.h"
 #include "listener/mirror_calls.h"
 #include "listener/workers.h"
 #include "login/login.h"
@@ -30,7 +31,12 @@ class Gateway {
     void Serve();
     void Stop();
 
+    // Reads the certificate files again; what is wrong with them is a std::runtime_error, and those
+    // read before stay in use. Without TLS it does nothing. Any thread.
+    void ReloadCertificates();
+
   private:
+    void MakeGuard();
     void SetUp(httplib::Server& server);
     void Handle(const httplib::Request& request, httplib::Response& response,
                 const httplib::ContentReader* reader);
@@ -38,13 +44,16 @@ class Gateway {
                    const std::string& path, const std::string& query,
                    const httplib::ContentReader* reader);
 
+    const std::vector<std::string> names_;  // of the settings; the certificate has more
     DaemonConnection daemon_;
     const std::shared_ptr<Workers::Counts> counts_;
     EventStreams streams_;
     MirrorCalls calls_;
     Login login_;
+    std::unique_ptr<LiveCertificates> certificates_;  // none without TLS
     std::unique_ptr<httplib::Server> server_;
-    std::unique_ptr<Guard> guard_;
+    std::atomic<std::shared_ptr<const Guard>> guard_;
+    int port_ = 0;
     std::string address_;
     std::atomic<bool> isStopping_{false};
     std::atomic<bool> hasEnded_{false};

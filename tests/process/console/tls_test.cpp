@@ -88,5 +88,31 @@ TEST_F(ConsoleTls, IsReachedByTheNamesInItsCertificate) {
     EXPECT_EQ(client->Get("/", {{"Host", "other.test" + port}})->status, 421);
 }
 
+TEST_F(ConsoleTls, ShowsANewCertificateAndTrustsNewAuthoritiesAfterASignal) {
+    const std::string port = address.substr(address.rfind(':'));
+    EXPECT_FALSE(With("other")->Get("/"));
+    const Authority renewed("renewed"), others("others");
+    Keep("host", renewed.IssueAs("host", "DNS:new.test,IP:127.0.0.1"));
+    Keep("other", others.IssueAs("noc.test", ""));
+    home.Write("clients.pem", others.Certificate());
+    console->Signal(SIGHUP);
+    console->AwaitError("the certificates are read again");
+
+    home.Write("hosts.pem", renewed.Certificate());
+    const auto client = With("other");
+    const auto answer = client->Get("/", {{"Host", "new.test" + port}});
+    ASSERT_TRUE(answer) << httplib::to_string(answer.error());
+    EXPECT_EQ(answer->status, 200);
+    EXPECT_EQ(client->Get("/", {{"Host", "host.test" + port}})->status, 421);
+    EXPECT_FALSE(With("noc")->Get("/")) << "its authority is trusted no more";
+}
+
+TEST_F(ConsoleTls, KeepsItsCertificateWhenTheNewOneCannotBeUsed) {
+    home.Write("host.key", "no key");
+    console->Signal(SIGHUP);
+    console->AwaitError("the certificates stay as they were: the key ");
+    EXPECT_EQ(With("noc")->Get("/")->status, 200);
+}
+
 }  // namespace
 }  // namespace oam::test
