@@ -121,7 +121,9 @@ TEST_F(ToolCompletion, DoesNotWaitForADaemonThatDoesNotAnswer) {
         EXPECT_EQ(run.err, "");
     }
     close(silent);
-    EXPECT_LT(quickest, std::chrono::milliseconds(200));
+    // Far from what any other command waits, near enough for somebody who has pressed a key; the
+    // rest is for a sanitizer on a busy machine.
+    EXPECT_LT(quickest, std::chrono::seconds(1));
 }
 
 TEST(ShellWords, AreReadAsTheShellReadsThem) {

@@ -40,10 +40,11 @@ TEST(OperationTotals, CountEachOutcomeOnce) {
     EXPECT_EQ(ended(book, OperationKind::kTest, OperationState::kUnknown), 1u);
     EXPECT_EQ(book.Totals().running, 0u);
 
+    const auto totals = book.Totals();
     std::uint64_t timed = 0;
-    for (const std::uint64_t count : book.Totals().durations[0].counts) timed += count;
+    for (const std::uint64_t count : totals.durations[0].counts) timed += count;
     EXPECT_EQ(timed, 2u);
-    for (const std::uint64_t count : book.Totals().durations[1].counts) EXPECT_EQ(count, 0u);
+    for (const std::uint64_t count : totals.durations[1].counts) EXPECT_EQ(count, 0u);
 }
 
 TEST(Operations, HaveTimesThatTheBookCanKeep) {
