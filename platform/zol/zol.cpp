@@ -61,13 +61,17 @@ void zolSleepMs(unsigned milliseconds) noexcept {
     waitFor(milliseconds / 1000, milliseconds % 1000);
 }
 
+// Each letter is read once: a text in shared memory may change between two looks, and its end would
+// be missed.
 int zolStricmp(const char* left, const char* right) noexcept {
     if (left == nullptr) left = "";
     if (right == nullptr) right = "";
     for (;; ++left, ++right) {
-        if (*left == *right) {
-            if (*left == '\0') return 0;
-        } else if (const int difference = fold(*left) - fold(*right)) {
+        const char one = *left;
+        const char other = *right;
+        if (one == other) {
+            if (one == '\0') return 0;
+        } else if (const int difference = fold(one) - fold(other)) {
             return difference;
         }
     }
@@ -77,9 +81,11 @@ int zolStrnicmp(const char* left, const char* right, unsigned long count) noexce
     if (left == nullptr) left = "";
     if (right == nullptr) right = "";
     for (; count > 0; --count, ++left, ++right) {
-        if (*left == *right) {
-            if (*left == '\0') return 0;
-        } else if (const int difference = fold(*left) - fold(*right)) {
+        const char one = *left;
+        const char other = *right;
+        if (one == other) {
+            if (one == '\0') return 0;
+        } else if (const int difference = fold(one) - fold(other)) {
             return difference;
         }
     }

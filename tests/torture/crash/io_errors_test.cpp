@@ -39,8 +39,15 @@ std::vector<Point> pointsOf(Host& host, const Operation& operation) {
 
 std::string textOf(const Point& point) {
     const bool isShort = point.failure.kind == Decision::Kind::kShorten;
-    return std::string(CallName(point.number)) + " (call " + std::to_string(point.call) + "): " +
-           (isShort ? "half written" : strerrorname_np(point.failure.error));
+    return std::string(CallName(point.number)) + " (call " + std::to_string(point.call) +
+           "): " + (isShort ? "half written" : strerrorname_np(point.failure.error));
+}
+
+// The state of a service that has no data files: objects stand in order, the plug-in's last, which
+// is made anew at each start.
+std::string pluginsAlone(const std::string& state) {
+    const std::size_t begin = state.rfind("\nx.bpi\n");
+    return begin == std::string::npos ? "" : state.substr(begin + 1);
 }
 
 class Disturbed : public testing::TestWithParam<Operation> {
@@ -63,7 +70,9 @@ class Disturbed : public testing::TestWithParam<Operation> {
 
     void CheckCode(const Outcome& outcome, const States& states) {
         if (outcome.code == OAM_SUCCESS) {
-            EXPECT_EQ(outcome.digest, states.after);
+            if (!GetParam().mayRunEmpty || outcome.digest != pluginsAlone(states.after)) {
+                EXPECT_EQ(outcome.digest, states.after);
+            }
             ++succeeded_;
         } else {
             EXPECT_EQ(GetParam().failures.count(outcome.code), 1u)
@@ -109,9 +118,8 @@ TEST_P(Disturbed, AtAnyCallAnswersADocumentedCodeAndLosesNothing) {
                     std::to_string(chosen.size() - succeeded_) + " refused with a code");
 }
 
-INSTANTIATE_TEST_SUITE_P(Each, Disturbed, testing::ValuesIn(Operations()), [](const auto& row) {
-    return NameOf(row.param);
-});
+INSTANTIATE_TEST_SUITE_P(Each, Disturbed, testing::ValuesIn(Operations()),
+                         [](const auto& row) { return NameOf(row.param); });
 
 }  // namespace
 }  // namespace oam::torture

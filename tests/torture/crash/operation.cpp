@@ -84,7 +84,7 @@ const std::vector<Operation>& Operations() {
          [](const Host&) { return unsigned{_oamInit()}; },
          {OAMERR_FILE_READ_ERROR, OAMERR_FILE_WRITE_ERROR, OAMERR_NOT_ENOUGH_MEMORY,
           OAMERR_CANT_CREATE_THREAD, OAMERR_NOT_FOUND, OAMERR_ACCESS_DENIED, kModuleNotLoaded},
-         {"Bad.bak"}},
+         {"Bad.bak"}, false, true},
     };
     return kOperations;
 }

@@ -23,6 +23,9 @@ struct Operation {
     // Kept: a data file that cannot be removed is no failure of a deletion; its object is back at
     // the next start.
     bool mayComeBack = false;
+    // Kept: where the directory of the data files cannot be opened the service runs without them.
+    // They stay as they are, and the next start has them.
+    bool mayRunEmpty = false;
 };
 
 const std::vector<Operation>& Operations();
