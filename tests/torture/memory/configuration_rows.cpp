@@ -13,6 +13,10 @@ constexpr const char* kImport = "out/new.oam";
 const std::vector<unsigned> kCreationFailures = {kNoMemory, OAMERR_FILE_WRITE_ERROR,
                                                  OAMERR_FILE_READ_ERROR};
 
+// Kept: a name that cannot be looked up counts as taken.
+const std::vector<unsigned> kAdditionFailures = {kNoMemory, OAMERR_FILE_WRITE_ERROR,
+                                                 OAMERR_FILE_READ_ERROR, OAMERR_ALREADY_EXISTS};
+
 void startAnew(World& world) { world.StartAnew(); }
 
 unsigned exportAll(World& world) { return _oamConfigExport(world.Path(kExport).c_str()); }
@@ -70,10 +74,21 @@ bool deleteAgain(World& world) {
 
 unsigned addDetected(World&) { return _oamAddDetectedBoard("Found 100"); }
 
+// Where the board is, as a query answers; an empty bus reads as 0.
+bool emptiesPlace(const Outcome& outcome) {
+    const std::string place = " 0:7,100 ";
+    const std::string withoutBus = " 0:0,100 ";
+    if (outcome.found.find(withoutBus) == std::string::npos) return false;
+    std::string after = outcome.after;
+    for (std::size_t at; (at = after.find(place)) != std::string::npos;)
+        after.replace(at, place.size(), withoutBus);
+    return EmptiesValues({outcome.code, outcome.found, outcome.before, after, outcome.standing}, "");
+}
+
 // A board that was created but could not be filled in stays, under the name of its creation. Kept: a
 // place that could not be copied is empty, and that is no failure.
 bool leavesCreatedBoard(World&, const Outcome& outcome) {
-    if (EmptiesValues(outcome, "")) return true;
+    if (EmptiesValues(outcome, "") || emptiesPlace(outcome)) return true;
     return outcome.code != OAM_SUCCESS && AddsOnly(outcome.before, outcome.found, "Boards: ");
 }
 
@@ -126,7 +141,7 @@ std::vector<Row> ConfigurationRows() {
         {.name = "_oamAddDetectedBoard",
          .what = "",
          .call = &addDetected,
-         .failures = kCreationFailures,
+         .failures = kAdditionFailures,
          .undo = &startAnew,
          .accepts = &leavesCreatedBoard,
          .isVital = true},
