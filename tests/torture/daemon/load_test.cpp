@@ -9,6 +9,7 @@
 #include "daemon_test.h"
 #include "load_watchers.h"
 #include "torture/crash/points.h"
+#include "torture/support/resources.h"
 
 namespace oam::torture {
 namespace {
@@ -184,7 +185,9 @@ TEST_F(LoadedDaemon, LosesNoOutcomeAnnouncesEveryGapAndDoesNotGrow) {
     EXPECT_EQ(lost, 0u);
     EXPECT_GT(first.operations.size(), static_cast<std::size_t>(kClients));
     EXPECT_EQ(watchers.Alerts() + watchers.InGaps(), (newest - before) * kWatchers);
-    EXPECT_LT(grown, kAllowedKb + fill);
+    if (kHasMeaningfulResident) {
+        EXPECT_LT(grown, kAllowedKb + fill);
+    }
     const auto& times = second.milliseconds;
     const std::string p99 =
         times.empty() ? "-" : std::to_string(static_cast<int>(times[times.size() * 99 / 100]));
