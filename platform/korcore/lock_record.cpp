@@ -7,12 +7,13 @@
 
 namespace {
 
+// The attributes only take notes; whether the system has such mutexes, the making tells.
 bool initialiseMutex(pthread_mutex_t* mutex) {
     pthread_mutexattr_t attributes;
-    if (pthread_mutexattr_init(&attributes) != 0) return false;
-    const bool made = pthread_mutexattr_setpshared(&attributes, PTHREAD_PROCESS_SHARED) == 0 &&
-                      pthread_mutexattr_setrobust(&attributes, PTHREAD_MUTEX_ROBUST) == 0 &&
-                      pthread_mutex_init(mutex, &attributes) == 0;
+    pthread_mutexattr_init(&attributes);
+    pthread_mutexattr_setpshared(&attributes, PTHREAD_PROCESS_SHARED);
+    pthread_mutexattr_setrobust(&attributes, PTHREAD_MUTEX_ROBUST);
+    const bool made = pthread_mutex_init(mutex, &attributes) == 0;
     pthread_mutexattr_destroy(&attributes);
     return made;
 }
@@ -39,8 +40,7 @@ bool isAllZero(const void* data, size_t size) {
 
 }  // namespace
 
-bool korWriteLockRecord(void* data, size_t size) noexcept {
-    if (size < sizeof(KorLockRecord)) return false;
+bool korWriteLockRecord(void* data, size_t) noexcept {
     auto* record = static_cast<KorLockRecord*>(data);
     record->state.exchange(KorLockRecord::kMaking, std::memory_order_acq_rel);
     record->size = sizeof(KorLockRecord);
@@ -55,7 +55,6 @@ bool korWriteLockRecord(void* data, size_t size) noexcept {
 }
 
 bool korTrustLockRecord(void* data, size_t size) noexcept {
-    if (size < sizeof(KorLockRecord)) return false;
     auto* record = static_cast<KorLockRecord*>(data);
     const uint32_t state = record->state.load(std::memory_order_acquire);
     if (state == KorLockRecord::kMaking || isAllZero(data, size)) {

@@ -36,6 +36,8 @@ struct KorLockRecord {
 
 static_assert(std::atomic<uint32_t>::is_always_lock_free);
 
+// The bytes are a mapped file of at least the record's size.
+
 // Writes a free lock. Death on the way leaves a record that korTrustLockRecord completes.
 bool korWriteLockRecord(void* data, size_t size) noexcept;
 

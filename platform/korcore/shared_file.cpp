@@ -27,8 +27,8 @@ bool buildPath(const char* name, char* path, size_t size) {
     if (name == nullptr || name[0] == '\0' || std::strchr(name, '/') != nullptr) return false;
     const char* set = std::getenv("KOR_SHM_DIR");
     const char* directory = set != nullptr && set[0] == '/' ? set : kDefaultDirectory;
-    const int length = std::snprintf(path, size, "%s/%s", directory, name);
-    return length > 0 && static_cast<size_t>(length) < size;
+    // A failure, which is below zero, counts as too long.
+    return static_cast<size_t>(std::snprintf(path, size, "%s/%s", directory, name)) < size;
 }
 
 class Descriptor {
@@ -111,16 +111,15 @@ class NewFile {
     static constexpr char kDescriptors[] = "/proc/self/fd";
 
     int OpenNameless() const {
-        char directory[PATH_MAX];
+        char directory[PATH_MAX];  // as long as any path of buildPath
         const auto length = static_cast<size_t>(std::strrchr(path_, '/') - path_) + 1;
-        if (length >= sizeof directory) return -1;
         std::memcpy(directory, path_, length);
         directory[length] = '\0';
         return open(directory, O_TMPFILE | O_RDWR | O_CLOEXEC, kMode);
     }
     int OpenBeside() {
         const int length = std::snprintf(beside_, sizeof beside_, "%s.XXXXXX", path_);
-        if (length < 0 || static_cast<size_t>(length) >= sizeof beside_) return -1;
+        if (static_cast<size_t>(length) >= sizeof beside_) return -1;
         return mkostemp(beside_, O_CLOEXEC);
     }
     int Link() const {

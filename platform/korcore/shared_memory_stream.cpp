@@ -61,7 +61,7 @@ CKorStreamSharedMemory::CKorStreamSharedMemory(const char* name, size_t size) no
     journalName_[0] = '\0';
     if (!segment_.Open(name, size, nullptr)) return;
     const int length = std::snprintf(journalName_, sizeof journalName_, "%s.journal", name);
-    if (length < 0 || static_cast<size_t>(length) >= sizeof journalName_) journalName_[0] = '\0';
+    if (static_cast<size_t>(length) >= sizeof journalName_) journalName_[0] = '\0';
     Journal* journal = FindJournal();
     // What it holds was meant for an earlier segment of this name.
     if (journal != nullptr && segment_.WasCreated()) journal->Mark(Journal::kIdle);

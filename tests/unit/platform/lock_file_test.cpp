@@ -1,8 +1,6 @@
 // Files that stand where a named lock should be, and locks whose file is damaged.
 #include <gtest/gtest.h>
-#include <sys/mman.h>
 
-#include <cerrno>
 #include <cstddef>
 #include <random>
 #include <thread>
@@ -13,6 +11,7 @@
 #include "korcore/mutex.h"
 #include "lock_steps.h"
 #include "shared_directory.h"
+#include "spoiled_lock.h"
 #include "support/file_limit.h"
 
 namespace {
@@ -179,23 +178,11 @@ TEST_F(LockFile, CutShortWhileItIsHeldIsLostAndNotFatal) {
     }).join();
 }
 
-// What somebody leaves who unlocks after a death without repairing.
 TEST_F(LockFile, WhoseMutexCannotBeRecoveredGoesOnWithTheNext) {
     CKorMutex mutex(0, kName);
     const unsigned timeouts[] = {0, 1000, kKorForever};
     for (int round = 0; round < 6; ++round) {
-        ChildProcess spoiler([&] {
-            const int file = open(PathOf(kName).c_str(), O_RDWR | O_CLOEXEC);
-            void* data =
-                mmap(nullptr, sizeof(KorLockRecord), PROT_READ | PROT_WRITE, MAP_SHARED, file, 0);
-            auto* record = static_cast<KorLockRecord*>(data);
-            pthread_mutex_t* lock = record->MutexOf(record->generation);
-            std::thread([&] { pthread_mutex_lock(lock); }).join();
-            if (pthread_mutex_lock(lock) != EOWNERDEAD) return 1;
-            pthread_mutex_unlock(lock);
-            return pthread_mutex_lock(lock) == ENOTRECOVERABLE ? 0 : 2;
-        });
-        ASSERT_EQ(0, spoiler.Await());
+        ASSERT_EQ(0, spoilLock(PathOf(kName)));
         EXPECT_TRUE(take(mutex, timeouts[round % 3]));
         ChildProcess other([] {
             CKorMutex found(0, kName);

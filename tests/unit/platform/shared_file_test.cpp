@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <climits>
 #include <cstring>
 #include <memory>
 #include <vector>
@@ -87,8 +88,16 @@ TEST_F(SharedFile, IsSharedWithWhoAttachesIt) {
     EXPECT_STREQ("new", static_cast<char*>(first.Data()));
     EXPECT_TRUE(first.IsSameFile(second));
     KorSharedFile other;
+    EXPECT_FALSE(first.IsSameFile(other)) << "closed";
+    EXPECT_FALSE(other.IsSameFile(first)) << "closed";
     ASSERT_TRUE(other.Open("other", kSize, nullptr));
     EXPECT_FALSE(first.IsSameFile(other));
+    // Of another device.
+    const std::string name = "oamtest" + Directory().substr(Directory().size() - 6);
+    setenv("KOR_SHM_DIR", "/dev/shm", 1);
+    ASSERT_TRUE(other.Open(name.c_str(), kSize, nullptr));
+    EXPECT_FALSE(first.IsSameFile(other));
+    EXPECT_EQ(0, unlink(("/dev/shm/" + name).c_str()));
 }
 
 TEST_F(SharedFile, StaysWhenItIsClosed) {
@@ -223,6 +232,11 @@ TEST_F(SharedFile, OfABadNameIsRefused) {
     EXPECT_FALSE(file.Open(nullptr, kSize, nullptr));
     setenv("KOR_SHM_DIR", ("/" + std::string(5000, 'd')).c_str(), 1);
     EXPECT_FALSE(file.Open(kName, kSize, nullptr));
+    // Just short enough itself, but not with what a file beside it adds.
+    std::string deep;
+    while (deep.size() < PATH_MAX - sizeof kName - 4) deep += "/d";
+    setenv("KOR_SHM_DIR", deep.c_str(), 1);
+    EXPECT_FALSE(file.Open(kName, kSize, nullptr));
 }
 
 TEST_F(SharedFile, IsRefusedWhereSomethingElseHasTheName) {
@@ -256,6 +270,9 @@ TEST_F(SharedFile, ThatIsGivenUpCanStillBeTouched) {
     file.GiveUp();
     EXPECT_FALSE(file.IsWhole());
     EXPECT_EQ(std::string(kSize, '\0'), Contents(file));
+    KorSharedFile closed;
+    closed.GiveUp();
+    EXPECT_FALSE(closed.IsOpen());
 }
 
 TEST_F(SharedFile, IsWorkedOnUnderItsLock) {
@@ -327,15 +344,15 @@ TEST_F(SharedFile, LiesInTheDirectoryNamedAtEveryOpen) {
     EXPECT_EQ(static_cast<off_t>(kSize), SizeOf(std::string("second/") + kName));
 }
 
-TEST_F(SharedFile, LiesInTheSystemsDirectoryWhenTheSettingIsRelativeOrEmpty) {
+TEST_F(SharedFile, LiesInTheSystemsDirectoryWhenTheSettingIsRelativeEmptyOrMissing) {
     ASSERT_EQ(0, chdir(Directory().c_str()));
     ASSERT_EQ(0, mkdir("here", 0700));
     const std::string name = "oamtest" + Directory().substr(Directory().size() - 6);
-    for (const char* setting : {"here", "./here", ""}) {
-        setenv("KOR_SHM_DIR", setting, 1);
+    for (const char* setting : {"here", "./here", "", static_cast<const char*>(nullptr)}) {
+        setting != nullptr ? setenv("KOR_SHM_DIR", setting, 1) : unsetenv("KOR_SHM_DIR");
         KorSharedFile file;
         ASSERT_TRUE(file.Open(name.c_str(), kSize, nullptr));
-        EXPECT_EQ(0, unlink(("/dev/shm/" + name).c_str())) << setting;
+        EXPECT_EQ(0, unlink(("/dev/shm/" + name).c_str())) << (setting ? setting : "unset");
     }
     EXPECT_TRUE(std::filesystem::is_empty(PathOf("here")));
     ASSERT_EQ(0, chdir("/"));
