@@ -40,6 +40,23 @@ TEST_F(FullPath, FailsWhenTheDirectoryAloneDoesNotFit) {
     EXPECT_STREQ(path, "before");
 }
 
+TEST(JoinedPath, PutsOneSlashBetweenADirectoryAndAName) {
+    EXPECT_STREQ(JoinedPath("/a/cfg", "x.xmo").Get(), "/a/cfg/x.xmo");
+    EXPECT_STREQ(JoinedPath("/a/cfg", "/aside").Get(), "/a/cfg/aside");
+}
+
+TEST(JoinedPath, HoldsTheLongestNamesBelowTheLongestDirectory) {
+    const std::string directory(kPathSize - 1, 'd');
+    const std::string names = std::string(NAME_MAX, 'a') + '/' + std::string(NAME_MAX, 'b');
+    EXPECT_EQ(JoinedPath(directory.c_str(), names.c_str()).Get(), directory + '/' + names);
+}
+
+TEST(JoinedPath, ThatIsTooLongNamesNoFile) {
+    const JoinedPath path("/tmp", std::string(2000, '/').c_str());
+    EXPECT_STREQ(path.Get(), "");
+    EXPECT_NE(access(path.Get(), F_OK), 0);
+}
+
 class PathDirs : public RoomTest {
   protected:
     PathDirs() { umask_ = umask(0); }

@@ -21,17 +21,15 @@ bool IsOutOfMeans(int error) noexcept;
 
 // "<directory>/<name>", or "<directory><name>" for a name that begins with a slash: a path below a
 // directory of the installation, made without memory, since what protects files must not fail for
-// want of it.
+// want of it. One that is too long is empty, which no call of the system takes for a file.
 class JoinedPath {
   public:
     JoinedPath(const char* directory, const char* name) noexcept;
-    // Null when it is too long.
-    const char* Get() const noexcept { return fits_ ? text_ : nullptr; }
+    const char* Get() const noexcept { return text_; }
 
   private:
     // A directory, one directory in it, and the longest file name.
     char text_[kPathSize + 2 * (NAME_MAX + 1)];
-    bool fits_;
 };
 
 }  // namespace oam

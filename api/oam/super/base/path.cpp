@@ -35,7 +35,7 @@ bool IsOutOfMeans(int error) noexcept {
 JoinedPath::JoinedPath(const char* directory, const char* name) noexcept {
     const char* separator = *name == '/' ? "" : "/";
     const int length = snprintf(text_, sizeof text_, "%s%s%s", directory, separator, name);
-    fits_ = length > 0 && static_cast<size_t>(length) < sizeof text_;
+    if (static_cast<size_t>(length) >= sizeof text_) text_[0] = '\0';
 }
 
 }  // namespace oam

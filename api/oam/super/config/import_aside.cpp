@@ -65,7 +65,6 @@ bool linkDataFiles(const char* from, const char* to) noexcept {
     return forEachDataFile(from, [from, to](const char* name) {
         const JoinedPath source(from, name);
         const JoinedPath target(to, name);
-        if (source.Get() == nullptr || target.Get() == nullptr) return false;
         return link(source.Get(), target.Get()) == 0 || copyFile(source.Get(), target.Get());
     });
 }
@@ -73,7 +72,7 @@ bool linkDataFiles(const char* from, const char* to) noexcept {
 bool removeDataFiles(const char* directory) noexcept {
     return forEachDataFile(directory, [directory](const char* name) {
         const JoinedPath path(directory, name);
-        return path.Get() != nullptr && remove(path.Get()) == 0;
+        return remove(path.Get()) == 0;
     });
 }
 
@@ -84,19 +83,17 @@ void removeTree(const char* directory) noexcept {
 
 bool syncDirectory(const char* directory) noexcept {
     const JoinedPath inside(directory, ".");
-    return inside.Get() != nullptr && ContainingDirectory(inside.Get()).Sync();
+    return ContainingDirectory(inside.Get()).Sync();
 }
 
 void removeNamed(const char* directory, const char* name) noexcept {
-    const JoinedPath path(directory, name);
-    if (path.Get() != nullptr) removeTree(path.Get());
+    removeTree(JoinedPath(directory, name).Get());
 }
 
 bool renameNamed(const char* directory, const char* from, const char* to) noexcept {
     const JoinedPath source(directory, from);
     const JoinedPath target(directory, to);
-    return source.Get() != nullptr && target.Get() != nullptr &&
-           renameDurably(source.Get(), target.Get());
+    return renameDurably(source.Get(), target.Get());
 }
 
 }  // namespace
@@ -104,7 +101,6 @@ bool renameNamed(const char* directory, const char* from, const char* to) noexce
 oam_result setDataFilesAside(const char* directory) noexcept {
     removeNamed(directory, kBeingMade);
     const JoinedPath made(directory, kBeingMade);
-    if (made.Get() == nullptr) return OAMERR_NOT_ENOUGH_MEMORY;
     const bool complete = mkdir(made.Get(), kDirectoryMode) == 0 &&
                           linkDataFiles(directory, made.Get()) && syncDirectory(made.Get()) &&
                           renameNamed(directory, kBeingMade, kAside);
@@ -135,7 +131,6 @@ bool rollBackImport(const char* directory) noexcept {
     removeNamed(directory, kBeingMade);
     removeNamed(directory, kNoLongerUsed);
     const JoinedPath aside(directory, kAside);
-    if (aside.Get() == nullptr) return false;
     if (access(aside.Get(), F_OK) != 0) return true;
     return removeDataFiles(directory) && linkDataFiles(aside.Get(), directory) &&
            syncDirectory(directory) && dropDataFilesAside(directory);

@@ -28,7 +28,7 @@ constexpr char kDataFileExtension[] = ".xmo";
 
 oam_result joinPath(const char* directory, const char* fileName, char (&path)[kPathSize]) noexcept {
     const int length = snprintf(path, sizeof path, "%s/%s", directory, fileName);
-    return length > 0 && length < int{kPathSize} ? OAM_SUCCESS : OAMERR_NOT_ENOUGH_MEMORY;
+    return length < int{kPathSize} ? OAM_SUCCESS : OAMERR_NOT_ENOUGH_MEMORY;
 }
 
 void clearFiles(const char* directory, const char* suffix) noexcept {
@@ -36,7 +36,7 @@ void clearFiles(const char* directory, const char* suffix) noexcept {
     if (!listing.Open(directory)) return;
     while (const char* fileName = listing.Next(suffix)) {
         const oam::JoinedPath path(directory, fileName);
-        if (path.Get() != nullptr) (void)remove(path.Get());
+        (void)remove(path.Get());
     }
 }
 

@@ -34,7 +34,7 @@ oam_result ModuleLoader::LoadAll() noexcept {
          fileName = listing.Next(texts_.extension)) {
         char path[kScanPathSize];
         const int length = snprintf(path, sizeof path, "%s/%s", directory, fileName);
-        const bool fits = length > 0 && length < int{kScanPathSize};
+        const bool fits = length < int{kScanPathSize};
         if (!fits && !texts_.tellsLongPaths) return OAMERR_NOT_ENOUGH_MEMORY;
         result = fits ? LoadFile(path, fileName) : OAMERR_NOT_ENOUGH_MEMORY;
     }
