@@ -80,6 +80,13 @@ TEST_F(Report, ThatCannotBeWrittenIsAWriteError) {
     EXPECT_EQ(home.Read(kReport), Section("S", "T"));
 }
 
+TEST_F(Report, ThatFailsBeforeItsEndIsAWriteError) {
+    Start();
+    const FileSizeLimit limit(0);
+    const std::string longerThanABuffer(20000, 'S');
+    EXPECT_EQ(Raise(OAMEVN_REPORT, 0, longerThanABuffer, "T"), OAMERR_FILE_WRITE_ERROR);
+}
+
 TEST_F(Report, PathThatDoesNotFitStopsTheStart) {
     home.MoveRootToLength(112);
     EXPECT_EQ(AlertInit(), OAMERR_NOT_ENOUGH_MEMORY);

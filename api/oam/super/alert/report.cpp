@@ -37,11 +37,12 @@ oam_result reportAppend(const oam_msg_tag* message) noexcept {
     KorGuard hold(file.mutex);
     FILE* stream = fopen(file.path, "ae");
     if (stream == nullptr) return OAMERR_FILE_WRITE_ERROR;
-    bool written = fprintf(stream,
-                           "\nCONFIGURATION REPORT - %s\n"
-                           "------------------------------\n",
-                           oamMessageSource(message)) >= 0;
-    written = fputs(oamMessageText(message), stream) >= 0 && written;
-    written = fclose(stream) == 0 && written;
-    return written ? OAM_SUCCESS : OAMERR_FILE_WRITE_ERROR;
+    fprintf(stream,
+            "\nCONFIGURATION REPORT - %s\n"
+            "------------------------------\n",
+            oamMessageSource(message));
+    fputs(oamMessageText(message), stream);
+    const bool written = ferror(stream) == 0;
+    const bool closed = fclose(stream) == 0;
+    return written && closed ? OAM_SUCCESS : OAMERR_FILE_WRITE_ERROR;
 }

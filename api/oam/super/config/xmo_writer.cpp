@@ -16,25 +16,23 @@ int CXmlExport::Open(const char* path, const char* rootName) noexcept {
     if (stream_ == nullptr) return -1;
     depth_ = 0;
     path_ = XmoPath::Root();
-    if (fputs("<?XML version=\"1.0\"?>\n", stream_) < 0) return -1;
+    fputs_unlocked("<?XML version=\"1.0\"?>\n", stream_);
     return BegDir(rootName);
 }
 
 int CXmlExport::BegDir(const char* name) noexcept {
     if (stream_ == nullptr || !path_.Append(name)) return -1;
-    if (!Indent() || fprintf(stream_, "<%s>\n", name) < 0) return -1;
+    Line("<", name, ">\n");
     ++depth_;
-    return 0;
+    return Answer();
 }
 
 int CXmlExport::SetNextKeyword(const char* name, const char* value) noexcept {
-    if (stream_ == nullptr || !Indent()) return -1;
-    const bool written = fputc_unlocked('<', stream_) != EOF &&
-                         fputs_unlocked(name, stream_) >= 0 &&
-                         fputc_unlocked('>', stream_) != EOF &&
-                         fputs_unlocked(value != nullptr ? value : "", stream_) >= 0 &&
-                         fputs_unlocked("</>\n", stream_) >= 0;
-    return written && ferror_unlocked(stream_) == 0 ? 0 : -1;
+    if (stream_ == nullptr) return -1;
+    Line("<", name, ">");
+    fputs_unlocked(value != nullptr ? value : "", stream_);
+    fputs_unlocked("</>\n", stream_);
+    return Answer();
 }
 
 int CXmlExport::EndDir(const char* name) noexcept {
@@ -45,7 +43,8 @@ int CXmlExport::EndDir(const char* name) noexcept {
         return -1;
     }
     --depth_;
-    return Indent() && fprintf(stream_, "</%s>\n", last) >= 0 ? 0 : -1;
+    Line("</", last, ">\n");
+    return Answer();
 }
 
 int CXmlExport::Close() noexcept { return CloseStream(false); }
@@ -54,16 +53,14 @@ int CXmlExport::CloseSynced() noexcept { return CloseStream(true); }
 
 int CXmlExport::CloseStream(bool sync) noexcept {
     if (stream_ == nullptr) return -1;
-    bool closed = true;
+    bool closed = Answer() == 0;
     while (closed && depth_ > 0) closed = EndDir(nullptr) == 0;
     FILE* stream = std::exchange(stream_, nullptr);
     if (sync) closed = fflush(stream) == 0 && fsync(fileno(stream)) == 0 && closed;
     return fclose(stream) == 0 && closed ? 0 : -1;
 }
 
-bool CXmlExport::Indent() noexcept {
-    for (int i = 0; i < depth_; ++i) {
-        if (fputs_unlocked("   ", stream_) < 0) return false;
-    }
-    return true;
+void CXmlExport::Line(const char* before, const char* name, const char* after) noexcept {
+    for (int i = 0; i < depth_; ++i) fputs_unlocked("   ", stream_);
+    for (const char* part : {before, name, after}) fputs_unlocked(part, stream_);
 }

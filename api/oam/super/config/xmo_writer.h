@@ -35,7 +35,9 @@ class CXmlExport {
 
   private:
     int CloseStream(bool sync) noexcept;
-    bool Indent() noexcept;
+    // One line, indented; whether it could be written the stream keeps.
+    void Line(const char* before, const char* name, const char* after) noexcept;
+    int Answer() const noexcept { return ferror_unlocked(stream_) == 0 ? 0 : -1; }
 
     FILE* stream_ = nullptr;
     int depth_ = 0;
