@@ -145,7 +145,8 @@ bool KorNamedLock::TakeLevelInFile(const KorDeadline& deadline) noexcept {
         wasFree_ = looksFree(*mutex);
         switch (deadline.Take(mutex)) {
             case EOWNERDEAD:
-                if (pthread_mutex_consistent(mutex) != 0) return false;
+                // Were it not repaired by this, it would be lost to the next one, who replaces it.
+                pthread_mutex_consistent(mutex);
                 [[fallthrough]];
             case 0:
                 if (record->generation.load(std::memory_order_acquire) == generation) {

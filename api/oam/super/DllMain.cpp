@@ -59,7 +59,6 @@ oam_result stopAll() noexcept {
 }
 
 oam_result startAll() noexcept {
-    if (OamIsRunning()) return OAM_SUCCESS;
     char path[oam::kPathSize];
     // Kept: the only failure that does not run stopAll; nothing has been started yet.
     if (auto failed = GetFullPath(false, "/oam/log/startup.log", path, sizeof path)) return failed;

@@ -17,6 +17,7 @@ TEST_F(Lifecycle, HelloWritesNothingWhateverTheText) {
     ::testing::internal::CaptureStdout();
     ::testing::internal::CaptureStderr();
     for (const char* text : {"", "hello", "%s%n%d", "two\nlines"}) _oamHello(text);
+    _oamHello(nullptr);
     Start();
     const std::string log = home.Read("oam/log/startup.log");
     _oamHello("hello");

@@ -187,6 +187,15 @@ TEST_F(DurableFiles, LeftOversOfADeathAreWrittenOver) {
     EXPECT_THAT(Names(), ElementsAre("x.xmo"));
 }
 
+TEST_F(DurableFiles, DirectoryOfAPathIsOpenedWhereThereIsOne) {
+    EXPECT_TRUE(ContainingDirectory("/file").IsOpen()) << "the root";
+    EXPECT_TRUE(ContainingDirectory(home.Path("oam/cfg/file").c_str()).IsOpen());
+    EXPECT_FALSE(ContainingDirectory(home.Path("none/file").c_str()).IsOpen());
+    const std::string longerThanAnyPath(5000, 'd');
+    EXPECT_FALSE(ContainingDirectory((longerThanAnyPath + "/file").c_str()).IsOpen());
+    EXPECT_FALSE(syncAll(home.Path("none").c_str()));
+}
+
 TEST_F(DurableFiles, PathWithoutASlashIsAFileHere) {
     const std::string before = std::filesystem::current_path();
     std::filesystem::current_path(home.Path("oam/cfg"));

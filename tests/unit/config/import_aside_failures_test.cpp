@@ -121,7 +121,9 @@ TEST_P(FailingCalls, DropTheOldFilesOrKeepThemAll) {
 TEST_P(FailingCalls, RestoreTheOldFilesOrLeaveItToTheNextStart) {
     TryEachCall({[&] { SetAsideBeforeTheImport(); }, [&] { return RollBack(); },
                  [&](bool done) {
-                     if (done) EXPECT_EQ(home.ReadDataFile("Obj0.xmo"), "old 0");
+                     if (done) {
+                         EXPECT_EQ(home.ReadDataFile("Obj0.xmo"), "old 0");
+                     }
                      ExpectOldAfterAStart();
                  }});
 }

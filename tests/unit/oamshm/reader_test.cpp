@@ -87,6 +87,14 @@ TEST_F(Readers, AnswerANamedBoardsFields) {
     EXPECT_EQ(oamShadowBoardIsUsingALaw(kIgnored, "None", &flag), OAMERR_NOT_FOUND);
 }
 
+TEST_F(Readers, TellThatABoardIsThereToWhoWantsNoValue) {
+    Publish();
+    EXPECT_EQ(oamShadowBoardGetNumber(kIgnored, "Alpha", nullptr), OAM_SUCCESS);
+    EXPECT_EQ(oamShadowBoardIsUsingALaw(kIgnored, "Alpha", nullptr), OAM_SUCCESS);
+    EXPECT_EQ(oamShadowBoardGetNumber(kIgnored, "None", nullptr), OAMERR_NOT_FOUND);
+    EXPECT_EQ(oamShadowBoardIsUsingALaw(kIgnored, "None", nullptr), OAMERR_NOT_FOUND);
+}
+
 TEST_F(Readers, SecondTextThatDoesNotFitComesAfterTheFirstIsCopied) {
     Publish();
     EXPECT_EQ(oamShadowBoardGetDriverIDs(kIgnored, "Alpha", name, 6, other, 16),

@@ -105,6 +105,22 @@ TEST(CallMarks, OfEveryLengthAreWhole) {
     }
 }
 
+TEST(CallMarks, OutsideTheirTableAreNone) {
+    const unsigned module = KorMarkedModule("outside.bpi");
+    KorCallInside call;
+    KorEntryUse use{};
+    EXPECT_FALSE(KorCallAt(kKorMarks, &call));
+    EXPECT_FALSE(KorUseAt(module, kKorMarkedEntries, &use));
+    EXPECT_FALSE(KorUseAt(kKorMarkedModules, kStatus.number, &use));
+    EXPECT_FALSE(KorUseAt(module, kStatus.number, &use)) << "nobody has called it yet";
+}
+
+TEST(CallMarks, OfAModuleThatHasNoNumberAreTheOthers) {
+    const KorCallMark mark(kKorMarkedModules, kStart, "Board 3");
+    ASSERT_EQ(inside().size(), 1u);
+    EXPECT_STREQ(inside()[0].module, "");
+}
+
 TEST(CallMarks, MoreThanThereIsRoomForAreCountedAllTheSame) {
     const unsigned module = KorMarkedModule("many.bpi");
     std::vector<std::optional<KorCallMark>> marks(kKorMarks + 10);

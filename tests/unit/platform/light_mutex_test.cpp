@@ -42,6 +42,15 @@ TYPED_TEST(LockOfAnObject, IsWaitedForNoLongerThanAsked) {
     EXPECT_TRUE(othersCanTake(this->mutex_, 50));
 }
 
+// Whether the end of the wait lies in this second or in the next.
+TYPED_TEST(LockOfAnObject, IsHadAtOnceWhenItIsFreeWhateverThePatience) {
+    for (const unsigned timeout : {1U, 500U, 999U, 1999U}) {
+        ASSERT_TRUE(take(this->mutex_, timeout));
+        EXPECT_FALSE(othersCanTake(this->mutex_, 1));
+        giveBack(this->mutex_);
+    }
+}
+
 TYPED_TEST(LockOfAnObject, ComesToAThreadThatWaitsForIt) {
     for (const unsigned timeout : {kKorForever, 30000U}) {
         ASSERT_TRUE(take(this->mutex_));
@@ -82,6 +91,14 @@ TYPED_TEST(LockOfAnObject, IsNobodyElses) {
     TypeParam other{0};
     const KorGuard held(other);
     EXPECT_TRUE(othersCanTake(this->mutex_));
+}
+
+TEST(MutexWithoutAName, IsHeldBrieflyLikeAnyOther) {
+    CKorMutex mutex;
+    ASSERT_TRUE(takeBriefly(mutex));
+    EXPECT_FALSE(othersCanTake(mutex));
+    giveBackBriefly(mutex);
+    EXPECT_TRUE(othersCanTake(mutex));
 }
 
 TEST(MutexWithoutAName, IsAlwaysUsable) {

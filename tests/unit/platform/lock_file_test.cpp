@@ -31,6 +31,8 @@ class LockFile : public SharedDirectory {
         EXPECT_FALSE(take(mutex));
         EXPECT_FALSE(take(mutex, 0));
         giveBack(mutex);
+        EXPECT_FALSE(takeBriefly(mutex));
+        giveBackBriefly(mutex);
         const KorGuard guard(mutex);
         EXPECT_FALSE(guard.IsHeld());
     }

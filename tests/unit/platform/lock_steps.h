@@ -16,6 +16,16 @@ void giveBack(Mutex& mutex) NO_THREAD_SAFETY_ANALYSIS {
     mutex.Unlock();
 }
 
+template <class Mutex>
+[[nodiscard]] bool takeBriefly(Mutex& mutex) NO_THREAD_SAFETY_ANALYSIS {
+    return mutex.LockBriefly();
+}
+
+template <class Mutex>
+void giveBackBriefly(Mutex& mutex) NO_THREAD_SAFETY_ANALYSIS {
+    mutex.UnlockBriefly();
+}
+
 // Whether another thread of this process gets the lock; it gives it back at once.
 template <class Mutex>
 bool othersCanTake(Mutex& mutex, unsigned timeout = 0) {

@@ -110,6 +110,18 @@ TEST_F(NamedMutex, IsAnotherOneForAnotherNameOrFile) {
     EXPECT_TRUE(othersCanTake(anew));
 }
 
+TEST_F(NamedMutex, OutlivesThoseThatCameBeforeIt) {
+    auto first = std::make_unique<CKorMutex>(0, "first");
+    auto second = std::make_unique<CKorMutex>(0, "second");
+    CKorMutex mutex(0, kName);
+    ASSERT_TRUE(take(mutex));
+    first.reset();
+    second.reset();
+    EXPECT_FALSE(othersCanTake(mutex));
+    giveBack(mutex);
+    EXPECT_TRUE(othersCanTake(mutex));
+}
+
 TEST_F(NamedMutex, OutlivesTheObjectThatTookItWhileAnotherIsLeft) {
     CKorMutex stays(0, kName);
     {
@@ -178,6 +190,36 @@ TEST_F(NamedMutex, KeepsProcessesApart) {
     EXPECT_EQ(0, holder.Release());
     EXPECT_TRUE(take(mutex, 30000));
     giveBack(mutex);
+}
+
+TEST_F(NamedMutex, IsHeldBrieflyInsideALongerHold) {
+    CKorMutex mutex(0, kName);
+    ASSERT_TRUE(take(mutex));
+    ASSERT_TRUE(takeBriefly(mutex));
+    giveBackBriefly(mutex);
+    EXPECT_FALSE(othersCanTake(mutex));
+    giveBack(mutex);
+    ASSERT_TRUE(takeBriefly(mutex));
+    EXPECT_FALSE(othersCanTake(mutex));
+    giveBackBriefly(mutex);
+    EXPECT_TRUE(othersCanTake(mutex));
+}
+
+TEST_F(NamedMutex, IsGivenBackWhollyAfterABriefHoldThatHadToBeWaitedFor) {
+    CKorMutex mutex(0, kName);
+    Holder first;
+    ASSERT_TRUE(first.HasIt());
+    std::thread waiting([&] {
+        EXPECT_TRUE(takeBriefly(mutex));
+        giveBackBriefly(mutex);
+    });
+    // Time for it to find the lock taken; were that not enough, it finds it free.
+    std::this_thread::sleep_for(milliseconds(20));
+    EXPECT_EQ(0, first.Release());
+    waiting.join();
+    Holder second;
+    EXPECT_TRUE(second.HasIt());
+    EXPECT_EQ(0, second.Release());
 }
 
 TEST_F(NamedMutex, CountsNestingAcrossProcesses) {

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <climits>
 #include <cstdint>
 #include <cstring>
 #include <optional>
@@ -54,6 +55,16 @@ TEST_F(Replace, OfMoreThanTheSegmentIsRefused) {
     CKorStreamSharedMemory stream(kName, kSize);
     EXPECT_FALSE(Put(stream, std::string(kSize + 1, 'x')));
     EXPECT_EQ(std::string(kSize, '\0'), ReadFile(kName));
+}
+
+TEST_F(Replace, OfASegmentWhoseJournalCanHaveNoNameIsRefused) {
+    for (const size_t length : {NAME_MAX - 7, NAME_MAX}) {
+        CKorStreamSharedMemory stream(std::string(length, 's').c_str(), kSize);
+        ASSERT_TRUE(stream.IsOpen());
+        EXPECT_FALSE(Put(stream, "new"));
+        EXPECT_TRUE(stream.Write("old", 3));
+        EXPECT_EQ("old", Contents(stream).substr(0, 3));
+    }
 }
 
 TEST_F(Replace, TakesAnImageFromTheSegmentItself) {

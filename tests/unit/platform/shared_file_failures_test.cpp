@@ -76,6 +76,7 @@ std::vector<Decision> failuresOf(long number) {
     add(SYS_flock, {ENOLCK, EINTR});
     add(SYS_linkat, {EACCES, ENOSPC});
     add(SYS_lseek, {EIO});
+    add(SYS_pwrite64, {EINTR, ENOSPC});
     add(SYS_renameat2, {EACCES, EINVAL});
     add(SYS_unlink, {ENOENT});  // another process was quicker
     return failures;

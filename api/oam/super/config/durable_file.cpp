@@ -25,7 +25,7 @@ int createLike(const char* path, const struct stat* existing) noexcept {
     if (existing != nullptr) {
         // Best effort: a file that its owner opened to others stays so.
         (void)fchmod(descriptor, existing->st_mode & kPermissions);
-        if (fchown(descriptor, existing->st_uid, existing->st_gid) != 0) errno = 0;
+        [[maybe_unused]] const int owned = fchown(descriptor, existing->st_uid, existing->st_gid);
     }
     close(descriptor);
     return 0;

@@ -2,6 +2,7 @@
 
 #include "base/forever.h"
 #include "objects/kinds.h"
+#include "open_objects.h"
 
 CMObjMgr& objMgr() noexcept {
     static oam::Forever<CMObjMgr> manager;
@@ -15,8 +16,7 @@ oam_result CMObjMgr::EnsureSupervisor() noexcept {
 
 oam_result CMObjMgr::WriteStandardKeywords(unsigned long handle, const char* name,
                                            const char* product) noexcept {
-    KOR_CMObject* object = Find(name);
-    if (object == nullptr) return OAMERR_NOT_FOUND;
+    KOR_CMObject* object = getObjectFromHandle(handle);
     if (auto failed = DbSetKeyword(handle, "Name", name)) return failed;
     if (auto failed = object->DbSetQualifier("Name", "Description", "name of managed object")) {
         return failed;
