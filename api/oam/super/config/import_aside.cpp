@@ -131,7 +131,9 @@ bool rollBackImport(const char* directory) noexcept {
     removeNamed(directory, kBeingMade);
     removeNamed(directory, kNoLongerUsed);
     const JoinedPath aside(directory, kAside);
-    if (access(aside.Get(), F_OK) != 0) return true;
+    // Where looking is forbidden no data file can be reached either; but a failure for a moment does
+    // not say that there was no import.
+    if (access(aside.Get(), F_OK) != 0) return !oam::IsOutOfMeans(errno);
     return removeDataFiles(directory) && linkDataFiles(aside.Get(), directory) &&
            syncDirectory(directory) && dropDataFilesAside(directory);
 }
