@@ -7,12 +7,6 @@
 #include <atomic>
 #include <stdexcept>
 
-#if defined(OAM_SANITIZED)
-// gRPC's resolver keeps the names of servers that it was asked for; Debian's build is as it is.
-extern "C" const char* __lsan_default_suppressions();
-extern "C" const char* __lsan_default_suppressions() { return "leak:ares_strdup\n"; }
-#endif
-
 namespace oam::test {
 namespace {
 
