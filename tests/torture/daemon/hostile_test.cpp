@@ -1,14 +1,13 @@
 // Clients that mean harm, and what they cost somebody who works beside them: nothing.
 #include <grpcpp/create_channel_posix.h>
-#include <grpcpp/generic/generic_stub.h>
 #include <grpcpp/grpcpp.h>
 #include <unistd.h>
 
 #include <filesystem>
-#include <future>
 
 #include "cut_connection.h"
 #include "daemon_test.h"
+#include "raw_client.h"
 #include "strange_requests.h"
 #include "torture/crash/points.h"
 #include "wire/local_socket.h"
@@ -56,25 +55,6 @@ class HostileClients : public test::DaemonTest {
   protected:
     HostileClients() : DaemonTest(std::filesystem::exists("/dev/shm") ? "/dev/shm" : "/tmp") {}
     void SetUp() override { Start(); }
-
-    std::shared_ptr<grpc::Channel> Connect() const {
-        const auto descriptor = wire::Connect(wire::SocketPath(home.Root()));
-        if (!descriptor) throw std::runtime_error("no daemon serves " + home.Root());
-        return grpc::CreateInsecureChannelFromFd("oamd", *descriptor);
-    }
-
-    static grpc::Status Ask(grpc::GenericStub& stub, const StrangeRequests::Request& request) {
-        grpc::ClientContext context;
-        const auto limit = std::chrono::milliseconds(request.isStream ? 20 : 60000);
-        context.set_deadline(std::chrono::system_clock::now() + limit);
-        const grpc::Slice slice(request.bytes);
-        const grpc::ByteBuffer bytes(&slice, 1);
-        grpc::ByteBuffer answer;
-        std::promise<grpc::Status> ended;
-        stub.UnaryCall(&context, request.method, {}, &bytes, &answer,
-                       [&](grpc::Status status) { ended.set_value(std::move(status)); });
-        return ended.get_future().get();
-    }
 };
 
 TEST_F(HostileClients, AskForAnythingAndGetAnAnswer) {
@@ -84,10 +64,11 @@ TEST_F(HostileClients, AskForAnythingAndGetAnAnswer) {
     std::map<int, unsigned> answers;
     {
         StrangeRequests requests(seed, {"Sim E1 left", "Sim E1 right", "Sim IP lower"});
-        grpc::GenericStub stub(Connect());
+        test::RawClient client(home);
         for (unsigned i = 0; i < count; ++i) {
             const auto request = requests.Next();
-            const auto status = Ask(stub, request);
+            const auto limit = std::chrono::milliseconds(request.isStream ? 20 : 60000);
+            const auto status = client.Ask(request.method, request.bytes, limit);
             ++answers[status.error_code()];
             const bool isGone =
                 status.error_code() == grpc::StatusCode::UNAVAILABLE ||
