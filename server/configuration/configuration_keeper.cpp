@@ -27,7 +27,9 @@ std::uint64_t ConfigurationKeeper::Change(const std::string& user, const std::st
     History::Announcement announcement(history_, {user, action, {}}, object);
     const auto record = [&]() -> std::uint64_t {
         try {
-            return announcement.Record();
+            const std::uint64_t generation = announcement.Record();
+            if (generation != 0) journal_.Deed(user, action, object, generation);
+            return generation;
         } catch (const std::exception& error) {
             Complain(error.what());
             return 0;

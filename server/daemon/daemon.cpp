@@ -108,7 +108,10 @@ class Daemon {
         writer_.emplace(bell_, place.Path(kBook),
                         std::vector<StoreJob*>{&alertWriter_, &operationStore_},
                         ComplainTo(journal));
-        alertJournal_.emplace(ring_, journal);
+        alertJournal_.emplace(ring_, journal, [this](const std::string& operation) {
+            const auto record = operations_.Find(operation);
+            return record ? record->user : std::string();
+        });
         host_.SetToClient([this](unsigned long client, const StoredAlert& alert) {
             sessions_.Deliver(client, alert);
         });

@@ -3,11 +3,12 @@
 #include <chrono>
 #include <exception>
 #include <string>
+#include <utility>
 
 namespace oam::server {
 
-AlertJournal::AlertJournal(const AlertRing& ring, Journal& journal)
-    : ring_(ring), journal_(journal) {
+AlertJournal::AlertJournal(const AlertRing& ring, Journal& journal, UserOf userOf)
+    : ring_(ring), journal_(journal), userOf_(std::move(userOf)) {
     thread_ = std::thread([this, position = ring.Newest()] { Work(position); });
 }
 
@@ -21,7 +22,8 @@ void AlertJournal::Work(std::uint64_t position) {
                 journal_.Say(Priority::kWarning,
                              "alerts behind number " + std::to_string(position) +
                                  " are missing here: more came than memory could keep");
-            for (const auto& alert : batch.alerts) journal_.Alert(*alert);
+            for (const auto& alert : batch.alerts)
+                journal_.Alert(*alert, alert->operation.empty() ? "" : userOf_(alert->operation));
             position = batch.last;
         } catch (const std::exception&) {
             // No memory now.

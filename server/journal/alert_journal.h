@@ -1,6 +1,8 @@
 // Every alert on its way into the journal, by a thread of its own: a slow journal delays nobody.
 #pragma once
 
+#include <functional>
+#include <string>
 #include <thread>
 
 #include "alerts/alert_ring.h"
@@ -10,8 +12,11 @@ namespace oam::server {
 
 class AlertJournal {
   public:
+    // Who asked for an operation; empty: nobody knows.
+    using UserOf = std::function<std::string(const std::string& operation)>;
+
     // From now on.
-    AlertJournal(const AlertRing& ring, Journal& journal);
+    AlertJournal(const AlertRing& ring, Journal& journal, UserOf userOf);
     // The ring is closed by then; what it still has is told.
     ~AlertJournal();
     AlertJournal(const AlertJournal&) = delete;
@@ -22,6 +27,7 @@ class AlertJournal {
 
     const AlertRing& ring_;
     Journal& journal_;
+    const UserOf userOf_;
     std::thread thread_;
 };
 

@@ -10,10 +10,12 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
+#include <memory>
 #include <vector>
 
 #include "failure.h"
 #include "foreign_text.h"
+#include "journal/journal_queue.h"
 #include "oam/message.h"
 
 namespace oam::server {
@@ -40,6 +42,20 @@ Priority priorityOf(unsigned severity) {
     }
 }
 
+// Bursts of alerts find room; nobody waits for what is more.
+constexpr std::size_t kLinesThatWait = 10000;
+
+constexpr std::size_t kLongestObject = 256;
+
+// In the order of OperationKind.
+constexpr const char* kVerbs[] = {"StartBoard", "StopBoard", "TestBoard"};
+
+// "3-4 (StartBoard of "Board 3")"
+std::string textOf(const OperationRecord& operation) {
+    return operation.id + " (" + kVerbs[static_cast<std::size_t>(operation.kind)] + " of " +
+           Quoted(operation.board) + ')';
+}
+
 void sendToJournal(const std::vector<std::string>& fields) {
     std::vector<iovec> parts;
     for (const std::string& field : fields)
@@ -49,11 +65,18 @@ void sendToJournal(const std::vector<std::string>& fields) {
 
 }  // namespace
 
-Journal::Journal() : send_(isConnectedToJournal() ? &sendToJournal : Send()) {}
+Journal::Journal() {
+    if (!isConnectedToJournal()) return;
+    const auto queue = std::make_shared<JournalQueue>(&sendToJournal, kLinesThatWait);
+    send_ = [queue](const std::vector<std::string>& fields) { queue->Put(fields); };
+}
 
 void Journal::Say(Priority priority, const std::string& message,
                   std::initializer_list<Field> fields) noexcept try {
-    if (!send_) return SayToStandardError(message);
+    if (!send_) {
+        if (priority != Priority::kInfo) SayToStandardError(message);
+        return;
+    }
     std::vector<std::string> lines = {
         "MESSAGE=" + message,
         "PRIORITY=" + std::to_string(static_cast<int>(priority)),
@@ -80,8 +103,7 @@ void Journal::SayToStandardError(const std::string& message) {
         ++leftOut_;
 }
 
-void Journal::Alert(const StoredAlert& alert) noexcept try {
-    if (!send_ && alert.severity == OAM_INFORMATION) return;
+void Journal::Alert(const StoredAlert& alert, const std::string& user) noexcept try {
     std::string text = alert.text;
     text.erase(text.find_last_not_of(" \n") + 1);
     Say(priorityOf(alert.severity), Quoted(alert.source) + ": " + Shown(text),
@@ -89,12 +111,40 @@ void Journal::Alert(const StoredAlert& alert) noexcept try {
          {"OAM_CODE", HexText(alert.code)},
          {"OAM_SEVERITY", std::to_string(alert.severity)},
          {"OAM_SEQ", std::to_string(alert.sequence)},
-         {"OAM_OP", alert.operation}});
+         {"OAM_OP", alert.operation},
+         {"OAM_USER", user}});
+} catch (const std::exception&) {
+}
+
+void Journal::Operation(const OperationRecord& operation) noexcept try {
+    std::string message = operation.user + " asked for operation " + textOf(operation);
+    if (operation.state == OperationState::kRefused)
+        message += ", refused: " + Shown(operation.text);
+    Say(Priority::kInfo, message,
+        {{"OAM_USER", operation.user},
+         {"OAM_OP", operation.id},
+         {"OAM_VERB", kVerbs[static_cast<std::size_t>(operation.kind)]},
+         {"OAM_BOARD", operation.board},
+         {"OAM_CODE", operation.code != 0 ? HexText(operation.code) : std::string()}});
+} catch (const std::exception&) {
+}
+
+void Journal::Deed(const std::string& user, const std::string& verb, const std::string& object,
+                   std::uint64_t generation) noexcept try {
+    const std::string number = generation != 0 ? std::to_string(generation) : std::string();
+    Say(Priority::kInfo,
+        user + ": " + verb + (object.empty() ? "" : " of " + Quoted(object)) +
+            (number.empty() ? "" : ", generation " + number),
+        {{"OAM_USER", user},
+         {"OAM_VERB", verb},
+         {"OAM_OBJECT", object},
+         {"OAM_GENERATION", number}});
 } catch (const std::exception&) {
 }
 
 void Journal::Denied(const std::string& user, const std::string& role, const std::string& verb,
-                     const std::string& object) noexcept try {
+                     const std::string& whole) noexcept try {
+    const std::string object = whole.substr(0, kLongestObject);
     Say(Priority::kWarning,
         "denied: " + user + " (" + role + ") may not " + verb +
             (object.empty() ? "" : " of " + Quoted(object)),

@@ -5,6 +5,7 @@
 
 #include "alert_record.h"
 #include "failure.h"
+#include "journal/journal.h"
 #include "oam/entry.h"
 #include "services/alert_message.h"
 #include "transport/refusal_status.h"
@@ -35,7 +36,8 @@ class Refusing : public grpc::ServerWriteReactor<v1::WatchAlertsResponse> {
 grpc::ServerWriteReactor<v1::WatchAlertsResponse>* AlertsService::WatchAlerts(
     grpc::CallbackServerContext* context, const v1::WatchAlertsRequest* request) {
     Call call;
-    const grpc::Status admitted = core_.calls.Admit(*context, kWatch, "", &call);
+    const grpc::Status admitted =
+        core_.calls.Admit(*context, kWatch, request->filter().source(), &call);
     if (!admitted.ok()) return new Refusing(admitted);
     if (pump_.Count() >= kMostWatchers)
         return new Refusing(
@@ -47,7 +49,8 @@ grpc::ServerWriteReactor<v1::WatchAlertsResponse>* AlertsService::WatchAlerts(
 grpc::ServerUnaryReactor* AlertsService::ListAlerts(grpc::CallbackServerContext* context,
                                                     const v1::ListAlertsRequest* request,
                                                     v1::ListAlertsResponse* response) {
-    return core_.calls.Take(context, kList, "", [=, this](const Call&) {
+    const Target target = About(request->filter().source());
+    return core_.calls.Take(context, kList, target, [=, this](const Call&) {
         const std::size_t limit = request->limit() == 0
                                       ? kUsualPage
                                       : std::min<std::size_t>(request->limit(), kLargestPage);
@@ -88,7 +91,8 @@ grpc::ServerUnaryReactor* AlertsService::ListAlerts(grpc::CallbackServerContext*
 grpc::ServerUnaryReactor* AlertsService::NotifyAlert(grpc::CallbackServerContext* context,
                                                      const v1::NotifyAlertRequest* request,
                                                      v1::NotifyAlertResponse*) {
-    return core_.calls.Take(context, kNotify, "", [=](const Call&) {
+    const Target target = About(request->source());
+    return core_.calls.Take(context, kNotify, target, [=, this](const Call& call) {
         const std::string source = TextOf(request->source(), "the source");
         const std::string text = TextOf(request->text(), "the text");
         if (source.size() > kLongestSource || text.size() > kLongestText)
@@ -97,6 +101,7 @@ grpc::ServerUnaryReactor* AlertsService::NotifyAlert(grpc::CallbackServerContext
         const AlertRecord record(request->code(), request->severity(), source, text);
         if (const unsigned code = _oamAlertNotify(record.Get()))
             throw Failure(code, "the alert was not taken by all");
+        core_.journal.Deed(call.user, kNotify.name, source);
         return grpc::Status::OK;
     });
 }

@@ -9,6 +9,7 @@
 #include "configuration/configuration_keeper.h"
 #include "detected_boards.h"
 #include "foreign_text.h"
+#include "journal/journal.h"
 #include "services/alert_message.h"
 #include "transport/refusal_status.h"
 
@@ -106,7 +107,7 @@ grpc::ServerUnaryReactor* BoardsService::ListBoards(grpc::CallbackServerContext*
 grpc::ServerUnaryReactor* BoardsService::GetBoard(grpc::CallbackServerContext* context,
                                                   const v1::GetBoardRequest* request,
                                                   v1::Board* response) {
-    return core_.calls.Take(context, kGet, "", [=](const Call&) {
+    return core_.calls.Take(context, kGet, About(request->name()), [=](const Call&) {
         const std::string name = RequireBoard(boardNameOf(request->name()));
         // It may go in between.
         const auto facts = ReadBoardFacts(name);
@@ -119,7 +120,7 @@ grpc::ServerUnaryReactor* BoardsService::GetBoard(grpc::CallbackServerContext* c
 grpc::ServerUnaryReactor* BoardsService::LookUpBoard(grpc::CallbackServerContext* context,
                                                      const v1::LookUpBoardRequest* request,
                                                      v1::LookUpBoardResponse* response) {
-    return core_.calls.Take(context, kLookUp, "", [=](const Call&) {
+    return core_.calls.Take(context, kLookUp, About(request->ShortDebugString()), [=](const Call&) {
         const Answer name = oam::LookUpBoard(identityOf(*request));
         if (!name.IsGiven())
             throw Failure(name.code, "no such board", "`oam board list` lists the boards");
@@ -140,11 +141,12 @@ grpc::ServerUnaryReactor* BoardsService::GetBoardStatus(grpc::CallbackServerCont
 grpc::ServerUnaryReactor* BoardsService::SetShelfSlot(grpc::CallbackServerContext* context,
                                                       const v1::SetShelfSlotRequest* request,
                                                       v1::BoardChangeResponse*) {
-    return core_.calls.Take(context, kSetShelfSlot, request->board(), [=](const Call&) {
+    return core_.calls.Take(context, kSetShelfSlot, request->board(), [=, this](const Call& call) {
         const std::string board = boardNameOf(request->board());
         require(_oamBoardSetShelfSlot(board.c_str(), request->shelf_slot().shelf(),
                                       request->shelf_slot().slot()),
                 "set the shelf and slot", board);
+        core_.journal.Deed(call.user, kSetShelfSlot.name, board);
         return grpc::Status::OK;
     });
 }
@@ -152,9 +154,10 @@ grpc::ServerUnaryReactor* BoardsService::SetShelfSlot(grpc::CallbackServerContex
 grpc::ServerUnaryReactor* BoardsService::ResetMacAddresses(
     grpc::CallbackServerContext* context, const v1::ResetMacAddressesRequest* request,
     v1::BoardChangeResponse*) {
-    return core_.calls.Take(context, kResetMac, request->board(), [=](const Call&) {
+    return core_.calls.Take(context, kResetMac, request->board(), [=, this](const Call& call) {
         const std::string board = boardNameOf(request->board());
         require(_oamBoardResetMACAddressCount(board.c_str()), "reset the MAC addresses", board);
+        core_.journal.Deed(call.user, kResetMac.name, board);
         return grpc::Status::OK;
     });
 }
@@ -162,7 +165,7 @@ grpc::ServerUnaryReactor* BoardsService::ResetMacAddresses(
 grpc::ServerUnaryReactor* BoardsService::SetMacAddresses(grpc::CallbackServerContext* context,
                                                          const v1::SetMacAddressesRequest* request,
                                                          v1::BoardChangeResponse*) {
-    return core_.calls.Take(context, kSetMac, request->board(), [=](const Call&) {
+    return core_.calls.Take(context, kSetMac, request->board(), [=, this](const Call& call) {
         const std::string board = boardNameOf(request->board());
         char texts[OAM_MAC_KEPT][OAM_MAC_TEXT_SIZE] = {};
         if (request->mac_addresses_size() > OAM_MAC_KEPT)
@@ -176,6 +179,7 @@ grpc::ServerUnaryReactor* BoardsService::SetMacAddresses(grpc::CallbackServerCon
         require(_oamBoardSetMACAddress(board.c_str(), texts,
                                        static_cast<unsigned>(request->mac_addresses_size())),
                 "set the MAC addresses", board);
+        core_.journal.Deed(call.user, kSetMac.name, board);
         return grpc::Status::OK;
     });
 }
@@ -183,10 +187,12 @@ grpc::ServerUnaryReactor* BoardsService::SetMacAddresses(grpc::CallbackServerCon
 grpc::ServerUnaryReactor* BoardsService::SendBuffer(grpc::CallbackServerContext* context,
                                                     const v1::SendBufferRequest* request,
                                                     v1::SendBufferResponse*) {
-    return core_.calls.Take(context, kSend, request->board(), [=](const Call&) {
+    return core_.calls.Take(context, kSend, request->board(), [=, this](const Call& call) {
         if (request->buffer().size() > kLargestBuffer)
             return Refused(grpc::StatusCode::INVALID_ARGUMENT, "the buffer is too long");
-        oam::SendBuffer(boardNameOf(request->board()), request->buffer());
+        const std::string board = boardNameOf(request->board());
+        oam::SendBuffer(board, request->buffer());
+        core_.journal.Deed(call.user, kSend.name, board);
         return grpc::Status::OK;
     });
 }
@@ -212,7 +218,7 @@ grpc::ServerUnaryReactor* BoardsService::ListDetectedBoards(grpc::CallbackServer
 grpc::ServerUnaryReactor* BoardsService::AddDetectedBoard(
     grpc::CallbackServerContext* context, const v1::AddDetectedBoardRequest* request,
     v1::AddDetectedBoardResponse* response) {
-    return core_.calls.Take(context, kAdd, "", [=, this](const Call& call) {
+    return core_.calls.Take(context, kAdd, About(request->name()), [=, this](const Call& call) {
         std::optional<std::string> name;
         if (!request->all()) {
             name = boardNameOf(request->name());

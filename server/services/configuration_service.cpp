@@ -199,7 +199,7 @@ std::uint64_t rollBackOne(Core& core, const Call& call, Generation generation,
 grpc::ServerUnaryReactor* ConfigurationService::ListHistory(grpc::CallbackServerContext* context,
                                                             const v1::ListHistoryRequest* request,
                                                             v1::ListHistoryResponse* response) {
-    return core_.calls.Take(context, kHistory, "", [=, this](const Call&) {
+    return core_.calls.Take(context, kHistory, About(request->object()), [=, this](const Call&) {
         HistoryQuery query;
         query.object = TextOf(request->object(), "the object's name");
         query.beforeGeneration = request->before();
@@ -224,7 +224,7 @@ grpc::ServerUnaryReactor* ConfigurationService::ListHistory(grpc::CallbackServer
 grpc::ServerUnaryReactor* ConfigurationService::DiffConfiguration(
     grpc::CallbackServerContext* context, const v1::DiffConfigurationRequest* request,
     v1::DiffConfigurationResponse* response) {
-    return core_.calls.Take(context, kDiff, "", [=, this](const Call&) {
+    return core_.calls.Take(context, kDiff, About(request->object()), [=, this](const Call&) {
         tell(core_.configuration.Book().Compare(request->from(), request->to(),
                                                 TextOf(request->object(), "the object's name")),
              response->mutable_differences());

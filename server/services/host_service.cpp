@@ -5,6 +5,7 @@
 
 #include "failure.h"
 #include "foreign_text.h"
+#include "journal/journal.h"
 #include "library/foreign_calls.h"
 #include "modules.h"
 #include "oam/entry.h"
@@ -62,7 +63,7 @@ grpc::ServerUnaryReactor* HostService::GetHost(grpc::CallbackServerContext* cont
 grpc::ServerUnaryReactor* HostService::GetCodeName(grpc::CallbackServerContext* context,
                                                    const v1::GetCodeNameRequest* request,
                                                    v1::GetCodeNameResponse* response) {
-    return core_.calls.Take(context, kCodeName, "", [=](const Call&) {
+    return core_.calls.Take(context, kCodeName, About(HexText(request->code())), [=](const Call&) {
         if (const char* name = _oamGetText(request->code())) response->set_name(Shown(name));
         return grpc::Status::OK;
     });
@@ -139,6 +140,7 @@ grpc::ServerUnaryReactor* HostService::Alone(grpc::CallbackServerContext* contex
     core_.calls.StartAlone(
         call, verb,
         [=, this](const Call&) {
+            core_.journal.Deed(call.user, verb.name, "");
             work();
             Tell(call, response);
             return grpc::Status::OK;

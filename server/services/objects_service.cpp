@@ -98,7 +98,8 @@ grpc::ServerUnaryReactor* ObjectsService::ChangeObject(grpc::CallbackServerConte
 grpc::ServerUnaryReactor* ObjectsService::CreateBoard(grpc::CallbackServerContext* context,
                                                       const v1::CreateBoardRequest* request,
                                                       v1::CreateBoardResponse* response) {
-    return core_.calls.Take(context, kCreate, "", [=, this](const Call& call) {
+    const Target target = About(request->product());
+    return core_.calls.Take(context, kCreate, target, [=, this](const Call& call) {
         response->set_generation(core_.configuration.Change(call.user, "create", "", [&] {
             response->set_name(oam::CreateBoard(TextOf(request->product(), "the product")));
         }));

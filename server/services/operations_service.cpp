@@ -5,6 +5,7 @@
 
 #include "failure.h"
 #include "foreign_text.h"
+#include "journal/journal.h"
 #include "oam/entry.h"
 #include "services/time_message.h"
 #include "transport/refusal_status.h"
@@ -65,6 +66,13 @@ void tell(const OperationRecord& record, v1::Operation* told) {
     told->mutable_refusal()->set_party(v1::Refusal::PARTY_SERVICE);
     told->mutable_refusal()->set_code(record.code);
     told->mutable_refusal()->set_rule(record.text);
+}
+
+// For a denial.
+std::string idsOf(const v1::FollowOperationsRequest& request) {
+    if (request.ids_size() == 0) return {};
+    const int others = request.ids_size() - 1;
+    return request.ids(0) + (others == 0 ? "" : " and " + std::to_string(others) + " more");
 }
 
 grpc::Status unknownOperation(const std::string& id) {
@@ -172,9 +180,11 @@ grpc::ServerUnaryReactor* OperationsService::Request(
         // To the service an empty name means every board.
         if (name.empty()) return Refused(grpc::StatusCode::INVALID_ARGUMENT, "no board is named");
         const OperationRecord begun = core_.operations.Begin(kind, name, call.user);
-        if (const unsigned code = request(name))
-            core_.operations.Refuse(begun.id, code, CodeText(code));
-        tell(core_.operations.Find(begun.id).value_or(begun), response);
+        const unsigned code = request(name);
+        if (code) core_.operations.Refuse(begun.id, code, CodeText(code));
+        const OperationRecord now = core_.operations.Find(begun.id).value_or(begun);
+        core_.journal.Operation(code ? now : begun);
+        tell(now, response);
         return grpc::Status::OK;
     });
 }
@@ -214,7 +224,7 @@ grpc::ServerUnaryReactor* OperationsService::TestBoard(grpc::CallbackServerConte
 grpc::ServerUnaryReactor* OperationsService::GetOperation(grpc::CallbackServerContext* context,
                                                           const v1::GetOperationRequest* request,
                                                           v1::Operation* response) {
-    return core_.calls.Take(context, kGet, "", [=, this](const Call&) {
+    return core_.calls.Take(context, kGet, About(request->id()), [=, this](const Call&) {
         const auto record = core_.operations.Find(request->id());
         if (!record) return unknownOperation(request->id());
         tell(*record, response);
@@ -225,7 +235,7 @@ grpc::ServerUnaryReactor* OperationsService::GetOperation(grpc::CallbackServerCo
 grpc::ServerUnaryReactor* OperationsService::ListOperations(
     grpc::CallbackServerContext* context, const v1::ListOperationsRequest* request,
     v1::ListOperationsResponse* response) {
-    return core_.calls.Take(context, kList, "", [=, this](const Call&) {
+    return core_.calls.Take(context, kList, About(request->board()), [=, this](const Call&) {
         const std::string board = TextOf(request->board(), "the board's name");
         for (const OperationRecord& record : core_.operations.List(request->running_only(), board))
             tell(record, response->add_operations());
@@ -238,7 +248,7 @@ grpc::ServerUnaryReactor* OperationsService::WaitOperation(grpc::CallbackServerC
                                                            v1::Operation* response) {
     auto* const reactor = context->DefaultReactor();
     Call call;
-    const grpc::Status admitted = core_.calls.Admit(*context, kWait, "", &call);
+    const grpc::Status admitted = core_.calls.Admit(*context, kWait, request->id(), &call);
     if (!admitted.ok()) {
         reactor->Finish(admitted);
         return reactor;
@@ -268,7 +278,7 @@ grpc::ServerUnaryReactor* OperationsService::WaitOperation(grpc::CallbackServerC
 grpc::ServerWriteReactor<v1::Operation>* OperationsService::FollowOperations(
     grpc::CallbackServerContext* context, const v1::FollowOperationsRequest* request) {
     Call call;
-    const grpc::Status admitted = core_.calls.Admit(*context, kFollow, "", &call);
+    const grpc::Status admitted = core_.calls.Admit(*context, kFollow, idsOf(*request), &call);
     if (!admitted.ok()) return new Refusing(admitted);
     if (request->ids_size() > kMostFollowed)
         return new Refusing(
@@ -279,7 +289,7 @@ grpc::ServerWriteReactor<v1::Operation>* OperationsService::FollowOperations(
 grpc::ServerUnaryReactor* OperationsService::CancelWait(grpc::CallbackServerContext* context,
                                                         const v1::CancelWaitRequest* request,
                                                         v1::CancelWaitResponse* response) {
-    return core_.calls.Take(context, kCancel, "", [=, this](const Call& call) {
+    return core_.calls.Take(context, kCancel, About(request->id()), [=, this](const Call& call) {
         response->set_cancelled(waits_.EndOf(request->id(), call.user));
         return grpc::Status::OK;
     });

@@ -48,6 +48,9 @@ void require(unsigned code, const char* verb, const OpenedHandle& opened,
             .About({opened.object, keyword, value});
 }
 
+// Of a handle, for a denial: which object it is, its session knows.
+std::string handleText(std::uint64_t handle) { return "handle " + std::to_string(handle); }
+
 std::string keywordOf(const std::string& bytes) { return TextOf(bytes, "the keyword"); }
 std::string qualifierOf(const std::string& bytes) { return TextOf(bytes, "the qualifier"); }
 std::string valueOf(const std::string& bytes) { return TextOf(bytes, "the value"); }
@@ -67,9 +70,10 @@ grpc::ServerWriteReactor<v1::AttachEvent>* SessionsService::Attach(Context* cont
 }
 
 SessionsService::Reactor* SessionsService::Take(
-    Context* context, const Verb& verb, const std::string& id,
+    Context* context, const Verb& verb, const std::string& id, const std::string& object,
     std::function<void(Session& session, const Call& call)> work) {
-    return core_.calls.Take(context, verb, "session " + id, [=, this](const Call& call) {
+    const Target target{object, "session " + id};
+    return core_.calls.Take(context, verb, target, [=, this](const Call& call) {
         try {
             work(*table_.Find(id, call.user), call);
             return grpc::Status::OK;
@@ -82,7 +86,7 @@ SessionsService::Reactor* SessionsService::Take(
 SessionsService::Reactor* SessionsService::TakeHandle(
     Context* context, const Verb& verb, const std::string& id, std::uint64_t handle,
     std::function<void(const OpenedHandle& opened)> work) {
-    return Take(context, verb, id,
+    return Take(context, verb, id, handleText(handle),
                 [=](Session& session, const Call&) { work(session.Find(handle)); });
 }
 
@@ -91,17 +95,18 @@ SessionsService::Reactor* SessionsService::Open(Context* context, const v1::Open
     const Verb& verb = request->provider() || request->database() ? kOpenDatabase
                        : request->write()                         ? kOpenWrite
                                                                   : kOpenRead;
-    return Take(context, verb, request->session(), [=](Session& session, const Call&) {
+    const auto open = [=](Session& session, const Call&) {
         const unsigned mode = (request->write() ? unsigned{OAM_OPEN_WRITE} : 0U) |
                               (request->provider() ? unsigned{OAM_OPEN_PROVIDER} : 0U);
         response->set_handle(
             session.Open(TextOf(request->name(), "the object's name"), mode, request->database()));
-    });
+    };
+    return Take(context, verb, request->session(), request->name(), open);
 }
 
 SessionsService::Reactor* SessionsService::Close(Context* context, const v1::CloseRequest* request,
                                                  v1::CloseResponse* response) {
-    return Take(context, kClose, request->session(), [=, this](Session& session, const Call& call) {
+    const auto work = [=, this](Session& session, const Call& call) {
         const OpenedHandle opened = session.Take(request->handle());
         const auto close = [&] {
             const unsigned code = opened.isDatabase          ? _oamDbCloseObject(opened.handle)
@@ -116,7 +121,8 @@ SessionsService::Reactor* SessionsService::Close(Context* context, const v1::Clo
             response->set_generation(core_.configuration.Change(call.user, "change", "", close));
         else
             close();
-    });
+    };
+    return Take(context, kClose, request->session(), handleText(request->handle()), work);
 }
 
 SessionsService::Reactor* SessionsService::GetKeyword(Context* context,
@@ -238,7 +244,7 @@ SessionsService::Reactor* SessionsService::SetProviderMode(
 SessionsService::Reactor* SessionsService::RegisterAlerts(Context* context,
                                                           const v1::SessionRequest* request,
                                                           v1::EmptyResponse*) {
-    return Take(context, kRegister, request->session(), [](Session& session, const Call&) {
+    return Take(context, kRegister, request->session(), "", [](Session& session, const Call&) {
         if (const unsigned code = _oamAlertRegister(session.Client()))
             throw Failure(code, "the session cannot be registered for alerts");
     });
@@ -247,7 +253,7 @@ SessionsService::Reactor* SessionsService::RegisterAlerts(Context* context,
 SessionsService::Reactor* SessionsService::UnregisterAlerts(Context* context,
                                                             const v1::SessionRequest* request,
                                                             v1::EmptyResponse*) {
-    return Take(context, kUnregister, request->session(), [](Session& session, const Call&) {
+    return Take(context, kUnregister, request->session(), "", [](Session& session, const Call&) {
         if (const unsigned code = _oamAlertUnregister(session.Client()))
             throw Failure(code, "the session is not registered for alerts");
     });

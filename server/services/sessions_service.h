@@ -44,6 +44,7 @@ class SessionsService : public v1::Sessions::CallbackService {
   private:
     // In the session's lane, with the session.
     Reactor* Take(Context* context, const Verb& verb, const std::string& session,
+                  const std::string& object,
                   std::function<void(Session& session, const Call& call)> work);
     // The same with one of its handles.
     Reactor* TakeHandle(Context* context, const Verb& verb, const std::string& session,

@@ -130,8 +130,8 @@ grpc::Status Calls::Admit(const grpc::ServerContextBase& context, const Verb& ve
 }
 
 grpc::ServerUnaryReactor* Calls::Take(grpc::CallbackServerContext* context, const Verb& verb,
-                                      const std::string& lane, Work work) {
-    return TakeIn(lanes_, context, verb, lane, std::move(work));
+                                      const Target& target, Work work) {
+    return TakeIn(lanes_, context, verb, target, std::move(work));
 }
 
 grpc::ServerUnaryReactor* Calls::TakeAside(grpc::CallbackServerContext* context, const Verb& verb,
@@ -140,12 +140,12 @@ grpc::ServerUnaryReactor* Calls::TakeAside(grpc::CallbackServerContext* context,
 }
 
 grpc::ServerUnaryReactor* Calls::TakeIn(Lanes& lanes, grpc::CallbackServerContext* context,
-                                        const Verb& verb, const std::string& lane, Work work) {
+                                        const Verb& verb, const Target& target, Work work) {
     auto* const reactor = context->DefaultReactor();
     Call call;
-    const grpc::Status admitted = Admit(*context, verb, lane, &call);
+    const grpc::Status admitted = Admit(*context, verb, target.object, &call);
     if (admitted.ok())
-        StartIn(lanes, call, verb, lane, std::move(work),
+        StartIn(lanes, call, verb, target.lane, std::move(work),
                 [reactor](const grpc::Status& status) { reactor->Finish(status); });
     else
         reactor->Finish(admitted);

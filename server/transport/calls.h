@@ -33,6 +33,19 @@ struct Call {
     std::string user;  // the caller's name; "alice via oam-console" for one who speaks for alice
 };
 
+// What a call is about.
+struct Target {
+    // Of a board or another object, which is both.
+    Target(const std::string& name) : object(name), lane(name) {}
+    Target(const char* name) : Target(std::string(name)) {}
+    Target(std::string about, std::string hangsOn)
+        : object(std::move(about)), lane(std::move(hangsOn)) {}
+
+    std::string object;  // for a denial; empty: everything, or nothing of its own
+    std::string lane;    // what the call may hang on; empty: nothing of its own
+};
+inline Target About(std::string object) { return {std::move(object), ""}; }
+
 class Calls {
   public:
     Calls(const Callers& callers, Lanes& lanes, Journal& journal);
@@ -47,10 +60,9 @@ class Calls {
                        const std::string& object, Call* call) const;
 
     using Work = std::function<grpc::Status(const Call& call)>;
-    // `lane` is the board that the call may hang on, or empty; it is also the object that a refusal
-    // is logged with. What the work throws becomes the refusal.
+    // What the work throws becomes the refusal.
     grpc::ServerUnaryReactor* Take(grpc::CallbackServerContext* context, const Verb& verb,
-                                   const std::string& lane, Work work);
+                                   const Target& target, Work work);
 
     // The same for work that asks the service for nothing and must be done while all of the lanes
     // hang.
@@ -68,7 +80,7 @@ class Calls {
 
   private:
     grpc::ServerUnaryReactor* TakeIn(Lanes& lanes, grpc::CallbackServerContext* context,
-                                     const Verb& verb, const std::string& lane, Work work);
+                                     const Verb& verb, const Target& target, Work work);
     static void StartIn(Lanes& lanes, const Call& call, const Verb& verb, const std::string& lane,
                         Work work, std::function<void(const grpc::Status&)> answer);
 

@@ -16,6 +16,8 @@ std::string valueOf(const std::vector<std::string>& fields, const std::string& n
     return "";
 }
 
+const auto kNobody = [](const std::string&) { return std::string(); };
+
 TEST(AlertJournal, TellsEveryAlertInOrderUpToTheLast) {
     std::vector<std::string> numbers;
     Journal journal([&](const std::vector<std::string>& fields) {
@@ -24,13 +26,32 @@ TEST(AlertJournal, TellsEveryAlertInOrderUpToTheLast) {
     AlertRing ring(7, 1000);
     constexpr int kAlerts = 500;
     {
-        const AlertJournal way(ring, journal);
+        const AlertJournal way(ring, journal, kNobody);
         for (int i = 0; i < kAlerts; ++i) (void)ring.Publish({});
         ring.Close();
     }
     ASSERT_EQ(numbers.size(), static_cast<std::size_t>(kAlerts));
     for (int i = 0; i < kAlerts; ++i)
         EXPECT_EQ(numbers[static_cast<std::size_t>(i)], std::to_string(8 + i));
+}
+
+TEST(AlertJournal, TellsWhoAskedForTheOperationThatAnAlertEnds) {
+    std::vector<std::string> users;
+    Journal journal([&](const std::vector<std::string>& fields) {
+        users.push_back(valueOf(fields, "OAM_OP") + " of " + valueOf(fields, "OAM_USER"));
+    });
+    AlertRing ring(0, 10);
+    {
+        const AlertJournal way(ring, journal, [](const std::string& operation) {
+            return operation == "3-4" ? "alice" : "somebody else";
+        });
+        StoredAlert alert;
+        alert.operation = "3-4";
+        (void)ring.Publish(std::move(alert));
+        (void)ring.Publish({});
+        ring.Close();
+    }
+    EXPECT_EQ(users, (std::vector<std::string>{"3-4 of alice", " of "}));
 }
 
 TEST(AlertJournal, SaysWhatIsMissing) {
@@ -40,7 +61,7 @@ TEST(AlertJournal, SaysWhatIsMissing) {
     });
     AlertRing ring(0, 10);
     {
-        const AlertJournal way(ring, journal);
+        const AlertJournal way(ring, journal, kNobody);
         (void)ring.PublishMissing();
         (void)ring.Publish({});
         ring.Close();

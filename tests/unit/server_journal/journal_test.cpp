@@ -30,11 +30,11 @@ TEST_F(JournalFields, OfAnAlertAreWhatOneSearchesFor) {
     alert.source = "Board 3";
     alert.text = "Board is dead.\n";
     alert.operation = "3-4";
-    journal.Alert(alert);
+    journal.Alert(alert, "alice");
     EXPECT_THAT(fields,
                 ElementsAre("MESSAGE=\"Board 3\": Board is dead.", "PRIORITY=3",
                             "SYSLOG_IDENTIFIER=oamd", "OAM_BOARD=Board 3", "OAM_CODE=0x40000011",
-                            "OAM_SEVERITY=2", "OAM_SEQ=17", "OAM_OP=3-4"));
+                            "OAM_SEVERITY=2", "OAM_SEQ=17", "OAM_OP=3-4", "OAM_USER=alice"));
 }
 
 TEST_F(JournalFields, HaveTheAlertsPriority) {
@@ -55,6 +55,50 @@ TEST_F(JournalFields, OfADenialAreWhoMayNotDoWhatToWhat) {
                             "\"Board 3\"",
                             "PRIORITY=4", "SYSLOG_IDENTIFIER=oamd", "OAM_USER=certificate noc",
                             "OAM_ROLE=viewer", "OAM_VERB=StartBoard", "OAM_OBJECT=Board 3"));
+}
+
+TEST_F(JournalFields, OfADenialAreBounded) {
+    journal.Denied("root", "none", "GetBoard", std::string(1000000, 'x'));
+    for (const std::string& field : fields) EXPECT_LT(field.size(), 400u) << field.substr(0, 40);
+}
+
+TEST_F(JournalFields, OfAnOperationAreWhoAskedForWhichOfWhichBoard) {
+    OperationRecord operation;
+    operation.id = "3-4";
+    operation.kind = OperationKind::kStop;
+    operation.board = "Board 3";
+    operation.user = "alice";
+    journal.Operation(operation);
+    EXPECT_THAT(fields, ElementsAre("MESSAGE=alice asked for operation 3-4 (StopBoard of "
+                                    "\"Board 3\")",
+                                    "PRIORITY=6", "SYSLOG_IDENTIFIER=oamd", "OAM_USER=alice",
+                                    "OAM_OP=3-4", "OAM_VERB=StopBoard", "OAM_BOARD=Board 3"));
+}
+
+TEST_F(JournalFields, OfARefusedOperationTellWhy) {
+    OperationRecord operation;
+    operation.id = "3-5";
+    operation.user = "alice";
+    operation.state = OperationState::kRefused;
+    operation.text = "no such board";
+    operation.code = 0x40000004;
+    journal.Operation(operation);
+    EXPECT_THAT(fields, ::testing::IsSupersetOf({"OAM_OP=3-5", "OAM_USER=alice",
+                                                 "OAM_VERB=StartBoard", "OAM_CODE=0x40000004"}));
+    EXPECT_THAT(fields[0], ::testing::HasSubstr("refused: no such board"));
+}
+
+TEST_F(JournalFields, OfADeedAreWhoDidWhatToWhat) {
+    journal.Deed("alice via oam-console", "change", "Board 3", 17);
+    EXPECT_THAT(
+        fields,
+        ElementsAre("MESSAGE=alice via oam-console: change of \"Board 3\", generation 17",
+                    "PRIORITY=6", "SYSLOG_IDENTIFIER=oamd", "OAM_USER=alice via oam-console",
+                    "OAM_VERB=change", "OAM_OBJECT=Board 3", "OAM_GENERATION=17"));
+    journal.Deed("root", "RestartService", "");
+    EXPECT_THAT(fields,
+                ElementsAre("MESSAGE=root: RestartService", "PRIORITY=6", "SYSLOG_IDENTIFIER=oamd",
+                            "OAM_USER=root", "OAM_VERB=RestartService"));
 }
 
 // Standard error is a pipe while it lives.
