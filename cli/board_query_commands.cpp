@@ -1,13 +1,16 @@
 // oam board list, info, status, lookup, send: questions about boards.
 
+#include <algorithm>
+#include <functional>
+
 #include "arguments.h"
 #include "board_lookup.h"
 #include "command.h"
 #include "console.h"
 #include "file_content.h"
-#include "lock_file.h"
 #include "service.h"
 #include "shadow_table.h"
+#include "zol/zol.h"
 
 namespace oam {
 namespace {
@@ -20,7 +23,7 @@ Cell shelfCell(const BoardFacts& facts) {
     return facts.shelfSlot ? placeCell(*facts.shelfSlot, "shelf") : Cell(nullptr);
 }
 
-class AnsweredList : public ServiceCommand {
+class ListCommand : public ServiceCommand {
   protected:
     ExitStatus Work(Service& service, Console& console) override {
         Table table{{{"number", "NUMBER", true},
@@ -39,26 +42,24 @@ class AnsweredList : public ServiceCommand {
         console.Show("boards", table);
         return kDone;
     }
-};
 
-// The list, or what the shadow has of it while a daemon is there that does not answer.
-class ListCommand : public Command {
-  public:
-    bool ReachesHosts() const override { return true; }
-    ExitStatus Run(Context& context) override try {
-        return AnsweredList().Run(context);
-    } catch (const Failure& failure) {
-        // The shadow is this host's.
-        if (context.host != nullptr) throw;
-        const auto holder = LockFile::Holder(context.place);
-        if (failure.Status() != kNoDaemon && !(holder && holder->command.starts_with("oamd")))
-            throw;
-        const ShadowTable shadow = ReadShadow();
-        context.console.Note(std::string(failure.what()) + "; this is what the board shadow holds");
-        context.console.Show("boards", shadow.boards);
-        return kDone;
+    bool ShowShadow(Console& console) override {
+        console.Show("boards", ReadShadow().Boards());
+        return true;
     }
 };
+
+bool isSame(const std::string& left, const std::string& right) {
+    return zolStricmp(left.c_str(), right.c_str()) == 0;
+}
+
+// The shadow has no room for all boards: one that it does not hold may be there all the same.
+ShadowBoard findInShadow(const std::function<bool(const ShadowBoard&)>& isMeant) {
+    const ShadowTable shadow = ReadShadow();
+    const auto found = std::find_if(shadow.boards.begin(), shadow.boards.end(), isMeant);
+    if (found == shadow.boards.end()) throw Failure("the board shadow holds no such board");
+    return *found;
+}
 
 // A command for one board of the table.
 class BoardCommand : public ServiceCommand {
@@ -74,6 +75,8 @@ class BoardCommand : public ServiceCommand {
     }
 
     virtual void WorkOn(Service& service, const std::string& board, Console& console) = 0;
+
+    const std::string& Name() const { return name_; }
 
   private:
     std::string name_;
@@ -99,6 +102,17 @@ class InfoCommand : public BoardCommand {
                     {"macAddresses", "MAC addresses", Cell(facts.macAddresses, addresses)},
                     {"autoStart", "automatic start", facts.autoStart},
                     {"autoStop", "automatic stop", facts.autoStop}}});
+    }
+
+    bool ShowShadow(Console& console) override {
+        const ShadowBoard board =
+            findInShadow([this](const ShadowBoard& one) { return isSame(one.name, Name()); });
+        console.Show(Record{{{"name", "name", board.name},
+                             {"number", "number", board.number},
+                             {"driverName", "driver", board.driverName},
+                             {"driverBoardId", "board id in driver", board.driverBoardId},
+                             {"isALaw", "A-law", board.isALaw}}});
+        return true;
     }
 };
 
@@ -154,6 +168,13 @@ class SendCommand : public BoardCommand {
     std::optional<std::string> path_;
 };
 
+void showName(const std::string& name, Console& console) {
+    if (console.IsJson())
+        console.ShowJson({{"name", name}});
+    else
+        console.Value(name);
+}
+
 class LookupCommand : public ServiceCommand {
   public:
     void DeclareArguments(Arguments& arguments) override { lookup_.Declare(arguments); }
@@ -164,11 +185,22 @@ class LookupCommand : public ServiceCommand {
         const Answer name = service.LookUpBoard(lookup_.Given());
         if (!name.IsGiven())
             throw Failure(name.code, "no such board", "`oam board list` lists the boards");
-        if (console.IsJson())
-            console.ShowJson({{"name", name.text}});
-        else
-            console.Value(name.text);
+        showName(name.text, console);
         return kDone;
+    }
+
+    bool ShowShadow(Console& console) override {
+        const BoardIdentity meant = lookup_.Given();
+        const auto* const number = std::get_if<ByNumber>(&meant);
+        const auto* const driver = std::get_if<ByDriver>(&meant);
+        if (number == nullptr && driver == nullptr) return false;
+        const ShadowBoard board = findInShadow([&](const ShadowBoard& one) {
+            return number != nullptr ? one.number == number->number
+                                     : isSame(one.driverName, driver->driverName) &&
+                                           isSame(one.driverBoardId, driver->driverBoardId);
+        });
+        showName(board.name, console);
+        return true;
     }
 
   private:

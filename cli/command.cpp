@@ -12,7 +12,23 @@ void Command::CheckArguments() {}
 
 bool ServiceCommand::IsInterrupted() const { return interruption_->IsRequested(); }
 
-ExitStatus ServiceCommand::Run(Context& context) {
+ExitStatus ServiceCommand::Run(Context& context) try {
+    return RunOnService(context);
+} catch (const Failure& failure) {
+    // The shadow is this host's.
+    if (failure.Status() != kNoDaemon || context.host != nullptr) throw;
+    try {
+        if (!ShowShadow(context.console)) throw;
+    } catch (const Failure& shadow) {
+        if (shadow.Status() == kNoDaemon) throw;
+        throw Failure(std::string(failure.what()) + "; " + shadow.what(), failure.Advice(),
+                      kNoDaemon);
+    }
+    context.console.Note(std::string(failure.what()) + "; this is what the board shadow holds");
+    return kDone;
+}
+
+ExitStatus ServiceCommand::RunOnService(Context& context) {
     const Interruption interruption;
     context_ = &context;
     interruption_ = &interruption;

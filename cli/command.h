@@ -48,12 +48,18 @@ class ServiceCommand : public Command {
     // What cannot be done without one.
     virtual bool NeedsDaemon() const { return false; }
 
+    // While no service is to be had: what the board shadow has of the answer. False when it has
+    // nothing of it.
+    virtual bool ShowShadow(Console&) { return false; }
+
     // While it works.
     const Installation& Place() const { return context_->place; }
     bool IsOnAnotherHost() const { return context_->host != nullptr; }
     bool IsInterrupted() const;
 
   private:
+    ExitStatus RunOnService(Context& context);
+
     const Context* context_ = nullptr;
     const Interruption* interruption_ = nullptr;
 };

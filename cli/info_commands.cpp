@@ -20,9 +20,9 @@ class ShadowCommand : public Command {
         const ShadowTable shadow = ReadShadow();
         if (context.console.IsJson()) {
             context.console.ShowJson(
-                {{"boards", AsJson(shadow.boards)}, {"usesVxPlugin", shadow.isUsingVx}});
+                {{"boards", AsJson(shadow.Boards())}, {"usesVxPlugin", shadow.isUsingVx}});
         } else {
-            context.console.Show("boards", shadow.boards);
+            context.console.Show("boards", shadow.Boards());
             context.console.Say(std::string("vxplugin.bpi: ") + (shadow.isUsingVx ? "yes" : "no"));
         }
         return kDone;

@@ -1,10 +1,14 @@
 #include "open_service.h"
 
+#include <unistd.h>
+
+#include <cerrno>
 #include <system_error>
 
 #include "command.h"
 #include "installation.h"
 #include "local_service.h"
+#include "lock_file.h"
 #include "remote/remote_service.h"
 #include "wire/local_socket.h"
 
@@ -26,12 +30,26 @@ std::unique_ptr<Service> connect(const Context& context, const Interruption& int
     }
 }
 
+// Whether the service is a daemon's to run: one is there that cannot be reached yet or any more, or
+// the caller may not work on the installation itself.
+bool isForDaemon(const Installation& place) {
+    const auto holder = LockFile::Holder(place);
+    if (holder && holder->command.starts_with("oamd")) return true;
+    return access(place.Path(kConfigDirectory).c_str(), R_OK | W_OK | X_OK) != 0 && errno == EACCES;
+}
+
 }  // namespace
 
 std::unique_ptr<Service> OpenService(const Context& context, const Interruption& interruption) {
     if (auto service = connect(context, interruption)) return service;
-    return std::make_unique<LocalService>(context.place, context.title, context.console,
-                                          interruption);
+    try {
+        return std::make_unique<LocalService>(context.place, context.title, context.console,
+                                              interruption);
+    } catch (const Failure& failure) {
+        if (!isForDaemon(context.place)) throw;
+        throw Failure(std::string("no daemon answers, and ") + failure.what(), failure.Advice(),
+                      kNoDaemon);
+    }
 }
 
 std::unique_ptr<Service> OpenDaemon(const Context& context, const Interruption& interruption) {

@@ -9,7 +9,7 @@ namespace oam {
 
 struct Context;
 
-// A service that cannot be reached or started is a Failure.
+// A service that cannot be reached or started is a Failure; with kNoDaemon when it takes a daemon.
 std::unique_ptr<Service> OpenService(const Context& context, const Interruption& interruption);
 
 // The daemon's, or a Failure that none serves the installation.

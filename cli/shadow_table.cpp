@@ -7,13 +7,8 @@
 namespace oam {
 namespace {
 
-Table readBoards() {
-    Table table{{{"number", "NUMBER", true},
-                 {"name", "NAME"},
-                 {"driverName", "DRIVER"},
-                 {"driverBoardId", "BOARD ID"},
-                 {"isALaw", "A-LAW"}},
-                {}};
+std::vector<ShadowBoard> readBoards() {
+    std::vector<ShadowBoard> boards;
     const auto names = AskNames([](int index, char* buffer, unsigned size) {
         return oamShadowBoardEnum(0, index, buffer, size);
     });
@@ -26,12 +21,25 @@ Table readBoards() {
         if (oamShadowBoardGetNumber(0, board, &number) != OAM_SUCCESS) continue;
         (void)oamShadowBoardGetDriverIDs(0, board, driver, sizeof driver, id, sizeof id);
         (void)oamShadowBoardIsUsingALaw(0, board, &isALaw);
-        table.rows.push_back({number, name, driver, id, isALaw});
+        boards.push_back({number, name, driver, id, isALaw});
     }
-    return table;
+    return boards;
 }
 
 }  // namespace
+
+Table ShadowTable::Boards() const {
+    Table table{{{"number", "NUMBER", true},
+                 {"name", "NAME"},
+                 {"driverName", "DRIVER"},
+                 {"driverBoardId", "BOARD ID"},
+                 {"isALaw", "A-LAW"}},
+                {}};
+    for (const ShadowBoard& board : boards)
+        table.rows.push_back(
+            {board.number, board.name, board.driverName, board.driverBoardId, board.isALaw});
+    return table;
+}
 
 ShadowTable ReadShadow() {
     const unsigned code = oamShadowInit();
