@@ -1,5 +1,6 @@
 // The metrics as Prometheus reads them: well-formed, and of what has happened.
 #include <filesystem>
+#include <fstream>
 #include <map>
 #include <regex>
 #include <set>
@@ -49,11 +50,12 @@ class DaemonMetrics : public DaemonTest {
   protected:
     DaemonMetrics() { options = {"--metrics", "0"}; }
 
-    Samples Scrape() const {
+    std::string Text() const {
         const std::string told = "metrics at ";
         const std::string address = where.substr(where.find(told) + told.size());
-        return parse(BodyOf(HttpGet(address, "/metrics")));
+        return BodyOf(HttpGet(address, "/metrics"));
     }
+    Samples Scrape() const { return parse(Text()); }
     // Scrapes until the sample has the value.
     testing::AssertionResult Becomes(const std::string& name, double value) const {
         const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(60);
@@ -101,6 +103,27 @@ TEST_F(DaemonMetrics, CountOperationsAlertsAndRequests) {
     EXPECT_EQ(samples.count("oam_build_info{version=\"1.0.0\"}"), 1u);
     EXPECT_GT(samples["process_resident_memory_bytes"], 1e6);
     EXPECT_GT(samples["oam_alert_newest_number"], 0);
+}
+
+// Each "oam_..." that the pattern finds, in its first group.
+std::set<std::string> namesIn(const std::string& text, const std::string& pattern) {
+    const std::regex name(pattern);
+    std::set<std::string> names;
+    for (std::sregex_iterator at(text.begin(), text.end(), name), end; at != end; ++at)
+        names.insert((*at)[1]);
+    return names;
+}
+
+TEST_F(DaemonMetrics, AreTheOnesThatTheManualNames) {
+    Start(kMixedChassis);
+    std::ifstream file(OAM_DAEMON_MANUAL);
+    const std::string manual{std::istreambuf_iterator<char>(file), {}};
+    const auto told = namesIn(Text(), "# TYPE (oam_[a-z_]+) ");
+    EXPECT_EQ(told, namesIn(manual, "\\b(oam_[a-z_]+)"));
+    EXPECT_THAT(told, ::testing::IsSupersetOf(
+                          {"oam_board_operations_total", "oam_board_operation_duration_seconds",
+                           "oam_alerts_total", "oam_plugin_call_duration_seconds",
+                           "oam_plugin_call_in_flight", "oam_shadow_overflow_boards"}));
 }
 
 TEST_F(DaemonMetrics, NameTheCallThatDoesNotReturn) {
