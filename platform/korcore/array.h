@@ -17,6 +17,8 @@
 template <class T>
 class CKorArray {
     static_assert(std::is_trivially_copyable_v<T>, "records are copied byte for byte");
+    static_assert(sizeof(T) <= PTRDIFF_MAX / INT32_MAX,
+                  "as many as can be counted can be asked for");
 
   public:
     // Room for `initial` records at once, then for `growBy` more whenever it is full.
@@ -59,7 +61,6 @@ class CKorArray {
 
   private:
     bool realloc(int capacity) noexcept {
-        if (static_cast<size_t>(capacity) > PTRDIFF_MAX / sizeof(T)) return false;
         T* items = new (std::nothrow) T[static_cast<size_t>(capacity)]();
         if (items == nullptr) return false;
         for (int i = 0; i < count_; ++i) items[i] = items_[i];
@@ -109,7 +110,7 @@ class CKorStreamableArray : public CKorArray<T> {
         if (count < 0 || static_cast<size_t>(count) > stream.Remaining() / sizeof(T)) stream.Fail();
         for (int i = 0; i < count && !stream.IsFailed(); ++i) {
             T record{};
-            if (!stream.Read(static_cast<void*>(&record), sizeof record)) break;
+            (void)stream.Read(static_cast<void*>(&record), sizeof record);
             array.isCutShort_ = !array.Add(record);
             if (array.isCutShort_) stream.Fail();
         }

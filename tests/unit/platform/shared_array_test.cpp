@@ -262,6 +262,8 @@ TEST_F(SharedArray, WithoutItsLockIsEmptyAndRefuses) {
     EXPECT_EQ(0, records.GetSize());
     EXPECT_EQ(-1, records[0].number);
     EXPECT_EQ(std::string(kSize, '\0'), ReadFile(kName));
+    records.Close();
+    EXPECT_EQ(0, records.GetSize());
 }
 
 TEST_F(SharedArray, OfABadNameOrSizeIsEmptyAndRefuses) {

@@ -84,6 +84,14 @@ TEST_F(SharedMemoryStream, TakesAWriteUpToTheEnd) {
     EXPECT_FALSE(stream_.Write("b", 1));
 }
 
+TEST_F(SharedMemoryStream, ReadsNothingAnywhere) {
+    EXPECT_TRUE(stream_.Read(nullptr, 0));
+    const std::string block(kSize, 'b');
+    EXPECT_TRUE(stream_.Write(block.data(), block.size()));
+    EXPECT_TRUE(stream_.Read(nullptr, 0));
+    EXPECT_FALSE(stream_.IsFailed());
+}
+
 TEST_F(SharedMemoryStream, RefusesEverythingAfterAFailureUntilFlush) {
     char block[kSize + 1] = "";
     EXPECT_FALSE(stream_.Write(block, sizeof block));
