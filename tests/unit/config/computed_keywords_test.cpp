@@ -180,6 +180,13 @@ TEST_F(DetectedKeywords, DescribeTheStructuresInside) {
     EXPECT_EQ(Qualifier("DetectedBoards[0].Location.PCI", "Keywords[2]"), "(none)");
 }
 
+TEST_F(DetectedKeywords, DescribeWhatTheyDoNotKnowAsText) {
+    for (const char* unknown : {"DetectedBoards[0].Foo", "DetectedBoards[0]."}) {
+        EXPECT_EQ(Qualifier(unknown, "Type"), "STRING") << unknown;
+        EXPECT_EQ(Qualifier(unknown, "Max"), "(none)") << unknown;
+    }
+}
+
 TEST_F(DetectedKeywords, DescribeTheFields) {
     for (const char* number : {"DetectedBoards[0].Location.PCI.Bus",
                                "DetectedBoards[0].Location.PCI.SLOT"}) {
