@@ -1,6 +1,8 @@
 // An object's data file: loading, saving and the limits of its path.
+#include "by_hand.h"
 #include "config_room.h"
 #include "config/xmo_writer.h"
+#include "support/allocation_fuse.h"
 #include "support/file_limit.h"
 
 namespace oam::test {
@@ -42,6 +44,23 @@ TEST_F(ObjectFile, EntriesBeforeAFailureStay) {
     const std::string whole = DataFile("Thing", {{"A", "1"}, {"B", "2"}});
     EXPECT_EQ(Load(whole.substr(0, whole.find("<B>"))), OAMERR_FILE_READ_ERROR);
     EXPECT_THAT(EntriesOf(object), ElementsAre(Pair("A", "1")));
+}
+
+TEST_F(ObjectFile, WrittenByHandIsReadWholeOrAnswersACodeWithoutMemory) {
+    home.WriteDataFile("Obj0.xmo", AsByHand(DataFile("Thing", {{"A", "1"}, {"B?Max", "2"}})));
+    const auto check = [&](oam_result result) {
+        if (result == OAM_SUCCESS) {
+            EXPECT_THAT(EntriesOf(object), ElementsAre(Pair("A", "1"), Pair("B?Max", "2")));
+        } else {
+            EXPECT_TRUE(result == OAMERR_NOT_ENOUGH_MEMORY || result == OAMERR_FILE_READ_ERROR)
+                << result;
+        }
+        object.~KOR_CMObject();
+        new (&object) KOR_CMObject("Thing", "Obj0.xmo");
+    };
+    const oam_result loaded = FailEachAllocation([&] { return object.Load(); }, check);
+    EXPECT_EQ(loaded, OAM_SUCCESS);
+    check(loaded);
 }
 
 TEST_F(ObjectFile, DirectoryOfAnotherNameMakesItUnreadable) {

@@ -3,7 +3,9 @@
 
 #include <filesystem>
 
+#include "by_hand.h"
 #include "config_room.h"
+#include "support/allocation_fuse.h"
 #include "support/log_text.h"
 
 namespace oam::test {
@@ -122,6 +124,45 @@ TEST_F(StartupScan, FileThatSpoilsLaterIsRejectedAndItsObjectRemoved) {
     EXPECT_THAT(doors.Calls(), Contains("AlertNotify(OAMEVN_DELETED, 0, Board 1, )"));
     EXPECT_THAT(Names(manager), ElementsAre("Supervisor"));
     EXPECT_THAT(home.List("oam/cfg"), ElementsAre("Obj0.bak", "Super.xmo"));
+}
+
+// Neither a file as the writer writes it nor any other.
+TEST_F(StartupScan, WithoutMemoryRejectsNoFileThatIsSound) {
+    home.WriteDataFile("Obj0.xmo", DataFile("Alpha", {{"Key", "1"}, {"Name", "Alpha"}}));
+    home.WriteDataFile("Obj1.xmo", AsByHand(DataFile("Beta", {{"Key", "2"}, {"Name", "Beta"}})));
+    const auto start = [&] {
+        manager.Exit();
+        return manager.Init();
+    };
+    const auto check = [&](oam_result result) {
+        EXPECT_THAT(home.List("oam/cfg"), Not(Contains(EndsWith(".bak"))));
+        if (result == OAM_SUCCESS) {
+            EXPECT_THAT(Names(manager), ElementsAre("Alpha", "Beta", "Supervisor"));
+        } else {
+            EXPECT_TRUE(result == OAMERR_NOT_ENOUGH_MEMORY || result == OAMERR_FILE_READ_ERROR)
+                << result;
+        }
+    };
+    const oam_result started = FailEachAllocation(start, check);
+    EXPECT_EQ(started, OAM_SUCCESS);
+    check(started);
+}
+
+// A name that cannot be made for what is set aside leaves it where it is.
+TEST_F(StartupScan, WithoutMemoryKeepsASpoiledFileUntilItCanBeSetAside) {
+    const auto start = [&] {
+        manager.Exit();
+        home.Remove("oam/cfg/Obj0.bak");
+        home.WriteDataFile("Obj0.xmo", "spoiled");
+        return manager.Init();
+    };
+    const oam_result started = FailEachAllocation(start, [&](oam_result result) {
+        const bool isSetAside = home.Exists("oam/cfg/Obj0.bak");
+        EXPECT_NE(isSetAside, home.Exists("oam/cfg/Obj0.xmo"));
+        EXPECT_TRUE(isSetAside || result != OAM_SUCCESS);
+    });
+    EXPECT_EQ(started, OAM_SUCCESS);
+    EXPECT_EQ(home.Read("oam/cfg/Obj0.bak"), "spoiled");
 }
 
 TEST_F(StartupScan, RejectedFileReplacesAnEarlierBackup) {
