@@ -1,4 +1,5 @@
 // Adding detected boards to the configuration.
+#include "support/file_limit.h"
 #include "support/service_test.h"
 
 namespace oam::test {
@@ -238,6 +239,17 @@ TEST_F(AddDetected, BoardThatCannotBeClosedIsTold) {
     EXPECT_THAT(Messages(),
                 ElementsAre(Message("Error when closing the board object \"Prod 0\" (ret=0x99)")));
     EXPECT_THAT(Boards(), ElementsAre("Prod 0"));
+}
+
+TEST_F(AddDetected, BoardThatFindsNoRoomOnTheDiskIsAWriteErrorAndNotThere) {
+    StartDetecting({{"Front", "Prod", "3", "4"}});
+    {
+        const FileSizeLimit full(0);
+        EXPECT_EQ(_oamAddDetectedBoard("Front"), OAMERR_FILE_WRITE_ERROR);
+    }
+    EXPECT_THAT(Boards(), IsEmpty());
+    EXPECT_EQ(_oamAddDetectedBoard("Front"), OAM_SUCCESS);
+    EXPECT_THAT(Boards(), ElementsAre("Front"));
 }
 
 TEST_F(AddDetected, NameOfAnotherObjectIsTold) {

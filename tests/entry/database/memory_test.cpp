@@ -48,6 +48,22 @@ TEST_F(WithoutMemory, RegistrationLeavesTheTable) {
     EXPECT_EQ(alerts.All().size(), 18u);
 }
 
+TEST_F(WithoutMemory, AlertForManyClientsReachesTheServerAlone) {
+    Start();
+    for (unsigned long client = 1; client <= 40; ++client) {
+        EXPECT_EQ(_oamAlertRegister(client), OAM_SUCCESS);
+    }
+    alerts.Clear();
+    EXPECT_EQ(FailEachAllocation([&] { return Raise(OAMEVN_ALERT, 0, "Test", "text"); },
+                                 [&](oam_result answer) {
+                                     EXPECT_EQ(answer, OAMERR_NOT_ENOUGH_MEMORY);
+                                     EXPECT_EQ(alerts.All().size(), 1u);
+                                     alerts.Clear();
+                                 }),
+              OAM_SUCCESS);
+    EXPECT_EQ(alerts.All().size(), 41u);
+}
+
 TEST_F(WithoutMemory, RemovalThatShrinksTheTableLeavesIt) {
     Start();
     for (unsigned long client = 1; client <= 17; ++client) {
