@@ -61,9 +61,13 @@ std::shared_ptr<const Roles> readRoles(const Settings& settings, const Installat
 // The life of the service, with what goes before and after it.
 class Control : public ServiceControl {
   public:
-    Control(ServiceHost& host, const Installation& place, ConfigurationKeeper& configuration,
-            Journal& journal)
-        : host_(host), place_(place), configuration_(configuration), journal_(journal) {}
+    Control(ServiceHost& host, OperationBook& operations, const Installation& place,
+            ConfigurationKeeper& configuration, Journal& journal)
+        : host_(host),
+          operations_(operations),
+          place_(place),
+          configuration_(configuration),
+          journal_(journal) {}
 
     void Start() override {
         configuration_.BeforeStart();
@@ -71,10 +75,15 @@ class Control : public ServiceControl {
         if (const unsigned code = host_.Start()) throw StartFailure(code, place_, before, journal_);
         configuration_.AfterStart();
     }
-    void Stop() override { host_.Stop(); }
+    void Stop() override {
+        host_.Stop();
+        // Every outcome that was to come has come.
+        operations_.GiveUpRunning("the service was stopped before the outcome came");
+    }
 
   private:
     ServiceHost& host_;
+    OperationBook& operations_;
     const Installation& place_;
     ConfigurationKeeper& configuration_;
     Journal& journal_;
@@ -97,7 +106,7 @@ class Daemon {
           names_(lanes_),
           configuration_(place, place.Path(kBook), journal),
           host_(ring_, operations_),
-          control_(host_, place, configuration_, journal),
+          control_(host_, operations_, place, configuration_, journal),
           core_{calls_,           lanes_,         host_,    ring_,   names_,
                 operations_,      configuration_, control_, journal, place.Directory(),
                 place.Path(kBook)},

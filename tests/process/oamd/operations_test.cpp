@@ -52,6 +52,14 @@ TEST_F(DaemonOperations, ThatRanWhenTheDaemonWasKilledAreUnknownAfterwards) {
     EXPECT_EQ(Wait(client, id, 60).state(), v1::Operation::STATE_UNKNOWN);
 }
 
+TEST_F(DaemonOperations, DoNotRunOnWhenTheServiceIsStartedAnew) {
+    Client client(home);
+    const std::string id = StartBoard(client, "Stuck");
+    EXPECT_EQ(Wait(client, id, 1).state(), v1::Operation::STATE_RUNNING);
+    Tool({"service", "restart"});
+    EXPECT_NE(Wait(client, id, 0).state(), v1::Operation::STATE_RUNNING);
+}
+
 TEST_F(DaemonOperations, OfAnIdentityThatWasNeverGivenAreNotFound) {
     Client client(home);
     v1::GetOperationRequest request;
