@@ -11,6 +11,15 @@ namespace {
 
 constexpr std::size_t kMostWaiting = 64;
 
+// gRPC's threads that react end with the last channel on which something reacted. When that goes on
+// one of them, which is where a reactor deletes itself, the thread waits for its own end and frees
+// everything twice. So the first such channel stays for the life of the process; when its
+// connection is gone it is but an object.
+void keepThreads(const std::shared_ptr<grpc::Channel>& channel) {
+    static const auto& kept = *new std::shared_ptr<grpc::Channel>(channel);
+    (void)kept;
+}
+
 }  // namespace
 
 // Outlives whichever of the reader and the call goes first.
@@ -37,6 +46,7 @@ class MessageStream::Reactor : public grpc::ClientBidiReactor<grpc::ByteBuffer, 
         AddHold();
         StartRead(&response_);
         StartCall();
+        keepThreads(channel);
     }
 
     void OnReadDone(bool ok) override {

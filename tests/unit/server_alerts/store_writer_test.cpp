@@ -92,7 +92,8 @@ TEST_F(WriterThread, WritesAllThatThereIsAtTheEnd) {
         ASSERT_TRUE(job.AwaitTurns(1));
         isEnding = true;
     }
-    EXPECT_EQ(job.Turns(), 50);
+    // The first round may see the end already; then there is one more.
+    EXPECT_THAT(job.Turns(), testing::AnyOf(50, 51));
 }
 
 TEST_F(WriterThread, ComplainsOnceOfAFailureThatLastsAndOnceOfItsEnd) {

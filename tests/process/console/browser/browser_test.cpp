@@ -39,7 +39,7 @@ void BrowserTest::Raise(const std::string& text, unsigned severity) {
     const auto answer =
         Send(*client, "POST", "/alerts",
              {{"code", 0x40002001}, {"source", "test"}, {"text", text}, {"severity", severity}});
-    ASSERT_TRUE(answer);
+    ASSERT_TRUE(answer) << httplib::to_string(answer.error());
     ASSERT_EQ(answer->status, 200) << answer->body;
 }
 
