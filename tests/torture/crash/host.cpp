@@ -106,6 +106,11 @@ void Host::WriteToTemplate(const std::string& relative, const std::string& bytes
     home_.Write("t/" + relative, bytes);
 }
 
+void Host::TakeAsTemplate() {
+    fs::remove_all(home_.Path("t"));
+    fs::copy(home_.Path("w"), home_.Path("t"), fs::copy_options::recursive);
+}
+
 std::string Host::Path(const std::string& relative) const { return home_.Path("w/" + relative); }
 
 Look Host::LookAt() const {

@@ -39,6 +39,8 @@ class Host {
     void Renew();
     // Adds to every working copy from now on.
     void WriteToTemplate(const std::string& relative, const std::string& bytes);
+    // What the working copy now is, every one is from now on.
+    void TakeAsTemplate();
     // A path in the working copy.
     std::string Path(const std::string& relative) const;
 

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <filesystem>
 #include <fstream>
 #include <iterator>
 
@@ -14,6 +16,7 @@ constexpr unsigned long kClient = 7;
 constexpr unsigned kModuleNotLoaded = 0xF0027;  // what a plug-in that cannot be loaded answers
 constexpr const char* kBoard = "Prod 3";
 constexpr const char* kImport = "import.oam";
+constexpr const char* kAside = "oam/cfg/import-aside";
 constexpr const char* kExport = "all.oam";
 constexpr const char* kOldExport = "<an older export>";
 
@@ -29,6 +32,8 @@ unsigned create(const Host&) {
     char name[128];
     return _oamCreateBoard("Prod", name, sizeof name);
 }
+
+unsigned start(const Host&) { return _oamInit(); }
 
 std::string content(const std::string& path) {
     std::ifstream file(path);
@@ -54,6 +59,45 @@ void prepareImport(Host& host) {
     host.WriteToTemplate(kImport, content(host.Path(kImport)));
 }
 
+unsigned import(const Host& host) {
+    return _oamConfigImport(host.Path(kImport).c_str());
+}
+
+std::ptrdiff_t dataFiles(const std::string& directory) {
+    return std::ranges::count_if(std::filesystem::directory_iterator(directory),
+                                 [](const auto& file) { return file.path().extension() == ".xmo"; });
+}
+
+// An import that was killed in its middle: the old files lie aside, and of the new ones (two thirds
+// as many) some are there.
+void prepareKilledImport(Host& host) {
+    prepareImport(host);
+    std::size_t calls = 0;
+    const auto run = [&](const Decide& decide) {
+        host.Renew();
+        RunTraced(
+            [&] {
+                if (_oamInit() != OAM_SUCCESS) return 1;
+                TraceFromHere();
+                return static_cast<int>(import(host));
+            },
+            decide);
+    };
+    run([&](const SystemCall&) { return ++calls, Decision{}; });
+    run([&, left = calls / 2](const SystemCall&) mutable {
+        return left-- == 0 ? Decision{Decision::Kind::kKill, 0} : Decision{};
+    });
+    const auto old = dataFiles(host.Path(kAside));
+    const auto fresh = dataFiles(host.Path("oam/cfg"));
+    ASSERT_TRUE(fresh > 0 && fresh < old / 2) << fresh << " of " << old;
+    host.TakeAsTemplate();
+}
+
+const std::set<unsigned> kStartFailures = {
+    OAMERR_FILE_READ_ERROR,    OAMERR_FILE_WRITE_ERROR, OAMERR_NOT_ENOUGH_MEMORY,
+    OAMERR_CANT_CREATE_THREAD, OAMERR_NOT_FOUND,        OAMERR_ACCESS_DENIED,
+    kModuleNotLoaded};
+
 const std::set<unsigned> kCommitFailures = {
     OAMERR_FILE_WRITE_ERROR, OAMERR_FILE_READ_ERROR, OAMERR_NOT_ENOUGH_MEMORY, OAMERR_NOT_FOUND,
     OAMERR_ACCESS_DENIED};
@@ -75,16 +119,15 @@ const std::vector<Operation>& Operations() {
          [](const Host& host) { return unsigned{_oamConfigExport(host.Path(kExport).c_str())}; },
          {OAMERR_FILE_WRITE_ERROR, OAMERR_FILE_READ_ERROR, OAMERR_NOT_ENOUGH_MEMORY}, {}},
         {"import", &prepareImport, false,
-         [](const Host& host) { return unsigned{_oamConfigImport(host.Path(kImport).c_str())}; },
+         &import,
          {OAMERR_NOT_FOUND, OAMERR_FILE_READ_ERROR, OAMERR_FILE_WRITE_ERROR,
           OAMERR_NOT_ENOUGH_MEMORY, OAMERR_ACCESS_DENIED, kModuleNotLoaded},
          {}},
         {"start with a rejection",
          [](Host& host) { host.WriteToTemplate("oam/cfg/Bad.xmo", "no data file"); }, true,
-         [](const Host&) { return unsigned{_oamInit()}; },
-         {OAMERR_FILE_READ_ERROR, OAMERR_FILE_WRITE_ERROR, OAMERR_NOT_ENOUGH_MEMORY,
-          OAMERR_CANT_CREATE_THREAD, OAMERR_NOT_FOUND, OAMERR_ACCESS_DENIED, kModuleNotLoaded},
-         {"Bad.bak"}, false, true},
+         &start, kStartFailures, {"Bad.bak"}, false, true},
+        {"start after a killed import", &prepareKilledImport, true,
+         &start, kStartFailures, {}, false, true},
     };
     return kOperations;
 }
