@@ -12,10 +12,11 @@ namespace oam::console {
 namespace {
 
 grpc::Status callOnce(const std::shared_ptr<grpc::Channel>& channel, const std::string& method,
-                      const std::string& request, std::string* response, const Identity& identity) {
+                      const std::string& request, std::string* response, const Identity& identity,
+                      std::chrono::milliseconds limit) {
     grpc::ClientContext context;
     Introduce(context, identity);
-    context.set_deadline(std::chrono::system_clock::now() + kCallLimit);
+    context.set_deadline(std::chrono::system_clock::now() + limit);
     const grpc::ByteBuffer asked = BufferOf(request);
     grpc::ByteBuffer answered;
     std::promise<grpc::Status> done;
@@ -54,12 +55,12 @@ void DaemonConnection::Lost(const std::shared_ptr<grpc::Channel>& channel) {
 }
 
 grpc::Status DaemonConnection::Call(const std::string& method, const std::string& request,
-                                    std::string* response, const Identity& identity,
-                                    bool mayRepeat) {
+                                    std::string* response, const Identity& identity, bool mayRepeat,
+                                    std::chrono::milliseconds limit) {
     for (int attempts = mayRepeat ? 2 : 1;; --attempts) {
         const auto channel = mayRepeat ? Channel() : LivingChannel();
         if (!channel) return NobodyListens(socketPath_);
-        const grpc::Status status = callOnce(channel, method, request, response, identity);
+        const grpc::Status status = callOnce(channel, method, request, response, identity, limit);
         if (!IsConnectionGone(status)) return status;
         Lost(channel);
         if (attempts == 1) return status;

@@ -16,6 +16,9 @@
 
 namespace oam::console {
 
+// Longer than any call of the daemon waits on purpose.
+constexpr auto kCallLimit = std::chrono::seconds(90);
+
 class DaemonConnection {
   public:
     explicit DaemonConnection(std::string socketPath) : socketPath_(std::move(socketPath)) {}
@@ -30,7 +33,8 @@ class DaemonConnection {
     // One call and its answer. What may be asked twice without harm is asked a second time when the
     // connection turns out to be gone.
     grpc::Status Call(const std::string& method, const std::string& request, std::string* response,
-                      const Identity& identity, bool mayRepeat);
+                      const Identity& identity, bool mayRepeat,
+                      std::chrono::milliseconds limit = kCallLimit);
 
     const std::string& SocketPath() const { return socketPath_; }
 
@@ -39,9 +43,6 @@ class DaemonConnection {
     std::mutex mutex_;
     std::shared_ptr<grpc::Channel> channel_;
 };
-
-// Longer than any call of the daemon waits on purpose.
-constexpr auto kCallLimit = std::chrono::seconds(90);
 
 // Names the identity in the call's metadata.
 void Introduce(grpc::ClientContext& context, const Identity& identity);

@@ -9,7 +9,6 @@
 #include <limits>
 
 #include "foreign_text.h"
-#include "mirror/base64.h"
 #include "mirror/time_text.h"
 
 namespace oam::console {
@@ -95,10 +94,7 @@ Number numberOf(const Json& json, const FieldDescriptor& field) {
 }
 
 std::string textOf(const Json& json, const FieldDescriptor& field) {
-    if (json.is_string()) return json.get<std::string>();
-    if (json.is_object() && json.size() == 1 && json.contains("base64") &&
-        json["base64"].is_string())
-        if (auto bytes = FromBase64(json["base64"].get<std::string>())) return *std::move(bytes);
+    if (auto text = TextFromJson(json)) return *std::move(text);
     mismatch(field, "a string, or {\"base64\": \"...\"}");
 }
 
@@ -195,11 +191,6 @@ std::string EnumText(const EnumValueDescriptor& value) {
     std::string text = value.name().substr(commonBeginning(*value.type()).size());
     for (char& c : text) c = c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
     return text;
-}
-
-Json TextToJson(const std::string& bytes) {
-    if (IsUtf8(bytes)) return bytes;
-    return {{"base64", ToBase64(bytes)}};
 }
 
 Json ToJson(const Message& message) {

@@ -15,14 +15,13 @@
 
 #include <google/protobuf/message.h>
 
-#include <nlohmann/json.hpp>
 #include <stdexcept>
 #include <string>
 #include <string_view>
 
-namespace oam::console {
+#include "mirror/text_json.h"
 
-using Json = nlohmann::ordered_json;
+namespace oam::console {
 
 // What is wrong with a request, for its sender.
 class BadRequest : public std::runtime_error {
@@ -31,8 +30,6 @@ class BadRequest : public std::runtime_error {
 };
 
 Json ToJson(const google::protobuf::Message& message);
-// A text as a string or as {"base64": ...}.
-Json TextToJson(const std::string& bytes);
 
 // BadRequest when it does not fit.
 void FromJson(const Json& json, google::protobuf::Message* message);

@@ -46,15 +46,24 @@ const StatusRow& rowOf(grpc::StatusCode code) {
     return kOther;
 }
 
+void takeJson(const std::string& text, Message* message) {
+    const Json json = Json::parse(text, nullptr, false);
+    if (json.is_discarded()) throw BadRequest("the body is no JSON");
+    FromJson(json, message);
+}
+
 }  // namespace
+
+std::string BytesOfJson(const Route& route, const std::string& json) {
+    const auto message = newMessage(*route.Verb().input_type());
+    if (!json.empty()) takeJson(json, message.get());
+    return message->SerializeAsString();
+}
 
 std::string RequestBytes(const FoundRoute& found, const Query& query, const std::string& body) {
     const auto message = newMessage(*found.route->Verb().input_type());
-    if (!found.route->TakesQuery() && found.route->kind == RouteKind::kUnary && !body.empty()) {
-        const Json json = Json::parse(body, nullptr, false);
-        if (json.is_discarded()) throw BadRequest("the body is no JSON");
-        FromJson(json, message.get());
-    }
+    if (!found.route->TakesQuery() && found.route->kind == RouteKind::kUnary && !body.empty())
+        takeJson(body, message.get());
     for (const auto& [field, value] : query) SetField(message.get(), field, value);
     for (const auto& [field, value] : found.parts) SetField(message.get(), field, value);
     return message->SerializeAsString();

@@ -13,6 +13,9 @@ namespace oam::console {
 // The verb's request, serialized. BadRequest tells what does not fit.
 std::string RequestBytes(const FoundRoute& found, const Query& query, const std::string& body);
 
+// The same of a request that is JSON as a whole; an empty one is an empty request.
+std::string BytesOfJson(const Route& route, const std::string& json);
+
 // The verb's answer, or one message of its stream.
 Json AnswerJson(const Route& route, const std::string& bytes);
 
