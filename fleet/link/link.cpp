@@ -7,7 +7,6 @@
 
 #include "file_content.h"
 #include "fleet/names.h"
-#include "foreign_text.h"
 
 namespace oam::fleet {
 namespace {
@@ -18,6 +17,7 @@ constexpr int kFlushLimit = 5000;
 // A server that is there and does nothing is found out after three of them.
 constexpr int kPing = 3000;
 constexpr int kPingsOut = 2;
+constexpr std::size_t kMostDenials = 10000;
 
 // What servers have denied, by the link's number: their word comes on a thread of the engine's,
 // which may be late for the link.
@@ -39,17 +39,19 @@ class Denials {
     void Take(std::uintptr_t link, const char* text) {
         const std::lock_guard hold(mutex_);
         const auto found = texts_.find(link);
-        if (found != texts_.end()) found->second = text;
+        if (found != texts_.end() && found->second.size() < kMostDenials)
+            found->second.emplace_back(text);
     }
-    std::string Give(std::uintptr_t link) {
+    std::vector<std::string> Give(std::uintptr_t link) {
         const std::lock_guard hold(mutex_);
         const auto found = texts_.find(link);
-        return found == texts_.end() ? std::string() : std::exchange(found->second, {});
+        if (found == texts_.end()) return {};
+        return std::exchange(found->second, {});
     }
 
   private:
     std::mutex mutex_;
-    std::map<std::uintptr_t, std::string> texts_;
+    std::map<std::uintptr_t, std::vector<std::string>> texts_;
     std::uintptr_t last_ = 0;
 };
 
@@ -163,7 +165,7 @@ bool Link::IsUp() const { return !natsConnection_IsClosed(connection_.get()); }
 
 void Link::Close() { natsConnection_Close(connection_.get()); }
 
-std::string Link::TakeDenial() { return Shown(Denials::All().Give(number_)); }
+std::vector<std::string> Link::TakeDenials() { return Denials::All().Give(number_); }
 
 std::string Link::Server() const {
     char url[512];

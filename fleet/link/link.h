@@ -13,6 +13,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "fleet/link/handles.h"
 #include "fleet/link/link_settings.h"
@@ -33,8 +34,8 @@ class Link {
     // Ends it, and all waits for it. Any thread.
     void Close();
     // What the server has denied since the last question ("Permissions Violation for Publish to
-    // ..."); empty: nothing.
-    std::string TakeDenial();
+    // ..."). When it denies much at once some may be told twice and others not at all.
+    std::vector<std::string> TakeDenials();
 
     // The server's word for where it is.
     std::string Server() const;

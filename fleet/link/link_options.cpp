@@ -8,6 +8,7 @@ void AddLinkOptions(CLI::App& app, LinkSettings* settings) {
     app.add_option("--server", settings->servers,
                    "A server of the engine, tls://HOST:PORT; several: any of them")
         ->type_name("URL")
+        ->allow_extra_args(false)
         ->delimiter(',');
     app.add_option("--certificate", settings->certificate, "Who this is to the server, PEM")
         ->type_name("FILE");
