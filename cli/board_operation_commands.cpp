@@ -23,7 +23,9 @@ constexpr Operation kTest = {"test", OperationKind::kTest};
 class OutcomeReport {
   public:
     OutcomeReport(Console& console, const Operation& operation, size_t boards)
-        : console_(console), operation_(operation), progress_(operation.verb, boards) {}
+        : console_(console),
+          operation_(operation),
+          progress_(operation.verb, console.IsCollected() ? 0 : boards) {}
 
     void Add(const std::string& board, const char* outcome, bool isGood, std::string text) {
         progress_.Clear();

@@ -1,5 +1,7 @@
 #include "command.h"
 
+#include <optional>
+
 #include "console.h"
 #include "interruption.h"
 #include "open_service.h"
@@ -29,7 +31,9 @@ ExitStatus ServiceCommand::Run(Context& context) try {
 }
 
 ExitStatus ServiceCommand::RunOnService(Context& context) {
-    const Interruption interruption;
+    std::optional<Interruption> own;
+    const Interruption& interruption =
+        context.interruption != nullptr ? *context.interruption : own.emplace();
     context_ = &context;
     interruption_ = &interruption;
     const auto service =

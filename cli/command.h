@@ -5,6 +5,7 @@
 #include <memory>
 #include <span>
 #include <string>
+#include <vector>
 
 #include "failure.h"
 
@@ -17,11 +18,21 @@ class Interruption;
 class Service;
 struct RemoteHost;
 
+// Where the service of a command comes from when it is neither this host's nor one over TCP.
+class ServiceSource {
+  public:
+    virtual ~ServiceSource() = default;
+    virtual std::unique_ptr<Service> Open(Console& console, const Interruption& interruption) = 0;
+};
+
 struct Context {
     const Installation& place;
     Console& console;
     std::string title;                 // the command line, for the lock's other users
     const RemoteHost* host = nullptr;  // the daemon to ask; null: the installation's own, if any
+    ServiceSource* source = nullptr;   // of that host's service; null: it is reached over TCP
+    // Of somebody who runs several commands at a time; null: the command's own.
+    const Interruption* interruption = nullptr;
 };
 
 class Command {
@@ -89,5 +100,15 @@ std::span<const CommandRow> MonitorCommands();
 std::span<const CommandRow> InfoCommands();
 std::span<const CommandRow> PluginCommands();
 std::span<const CommandRow> DaemonCommands();
+
+// What stands before a command's name.
+struct FamilyRow {
+    const char* name;
+    const char* summary;
+    const char* examples;
+};
+std::span<const FamilyRow> Families();
+// All of the above and those with a header of their own, in the order of the help.
+std::vector<CommandRow> AllCommands();
 
 }  // namespace oam

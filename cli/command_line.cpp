@@ -8,6 +8,7 @@
 #include "bundle_command.h"
 #include "completion.h"
 #include "console.h"
+#include "fleet_program.h"
 #include "installation.h"
 #include "remote_host.h"
 
@@ -18,12 +19,6 @@ constexpr const char* kSummary =
     "Looks after an installation of the OA&M service. When a daemon serves it, oam is its client;\n"
     "else the service runs in this process for as long as the command takes, and nothing else may\n"
     "use the installation meanwhile.";
-
-struct FamilyRow {
-    const char* name;
-    const char* summary;
-    const char* examples;
-};
 
 constexpr FamilyRow kFamilies[] = {
     {"board", "Boards: find, create, start and so on", "oam board list\noam board start --all"},
@@ -47,6 +42,18 @@ std::string titleOf(int argc, char** argv) {
 
 }  // namespace
 
+std::span<const FamilyRow> Families() { return kFamilies; }
+
+std::vector<CommandRow> AllCommands() {
+    std::vector<CommandRow> all;
+    for (const auto family :
+         {InitCommands, ObjectCommands, ChangeCommands, BoardCommands, BoardQueryCommands,
+          BoardOperationCommands, ConfigCommands, MonitorCommands, PluginCommands, InfoCommands,
+          DaemonCommands, BundleCommands})
+        for (const CommandRow& row : family()) all.push_back(row);
+    return all;
+}
+
 CommandLine::CommandLine() : app_(std::make_unique<CLI::App>(kSummary, "oam")) {
     app_->fallthrough();
     app_->require_subcommand(1);
@@ -64,16 +71,14 @@ CommandLine::CommandLine() : app_(std::make_unique<CLI::App>(kSummary, "oam")) {
         "\nExit status: 0 done, 1 refused or failed, 2 wrong use, 3 no daemon,\n"
         "4 not found, 5 not permitted, 6 busy or vetoed, 7 outcome unknown, 8 partly done." +
         exampleText("oam --dir /opt/oam objects\noam board list --json"));
-    for (const FamilyRow& row : kFamilies) {
+    for (const FamilyRow& row : Families()) {
         CLI::App* family = app_->add_subcommand(row.name, row.summary);
         family->require_subcommand(1);
         family->footer(exampleText(row.examples));
     }
-    for (const auto family :
-         {InitCommands, ObjectCommands, ChangeCommands, BoardCommands, BoardQueryCommands,
-          BoardOperationCommands, ConfigCommands, MonitorCommands, PluginCommands, InfoCommands,
-          DaemonCommands, BundleCommands})
-        for (const CommandRow& row : family()) Add(row);
+    for (const CommandRow& row : AllCommands()) Add(row);
+    // Another program's (fleet_program.h); here for the help and the completion.
+    app_->add_subcommand(kFleetWord, "Many hosts: `oam fleet --help`")->prefix_command();
 }
 
 CommandLine::~CommandLine() = default;
@@ -88,8 +93,10 @@ void CommandLine::Add(const CommandRow& row) {
 }
 
 ExitStatus CommandLine::Execute(int argc, char** argv) {
+    if (const auto words = FleetWords(argc, argv)) return RunFleetProgram(*words);
     // For shells, not for people: `oam complete LINE`.
     if (argc == 3 && std::string_view(argv[1]) == "complete") {
+        CompleteFleetLine(argv[2]);
         PrintCompletion(*app_, argv[2]);
         return kDone;
     }

@@ -8,6 +8,7 @@
 #include <csignal>
 #include <cstdio>
 
+#include "fleet_program.h"
 #include "foreign_text.h"
 #include "live_names.h"
 #include "oam/codes.h"
@@ -152,7 +153,10 @@ Names assignments(LiveNames& live, const std::string& object, bool isSupervisor,
 }
 
 bool isFile(const std::string& what) {
-    return what == "FILE" || what == "--file" || what == "--dir";
+    constexpr std::string_view kFiles[] = {"FILE",          "--file",          "--dir",
+                                           "--certificate", "--key",           "--authorities",
+                                           "--credentials", "--password-file", "--config"};
+    return std::find(std::begin(kFiles), std::end(kFiles), what) != std::end(kFiles);
 }
 
 // What an argument or option of this name can be.
@@ -188,25 +192,42 @@ void print(const ShellWords& words, const Names& names) {
         std::puts(ShellQuoted(name.substr(kept), words.quote).c_str());
 }
 
+// What the last word is an argument of; nothing when commands or options have been printed instead.
+std::optional<std::string> argumentAt(const ShellWords& words, const Reading& reading) {
+    const CLI::Option* const pending = reading.Pending();
+    if (!pending && reading.MayBeOption() && words.last.starts_with("-")) {
+        print(words, reading.Options());
+        return std::nullopt;
+    }
+    const std::string what = pending ? "--" + pending->get_lnames().at(0) : reading.Positional();
+    if (!pending && what.empty()) {
+        print(words, reading.Commands());
+        return std::nullopt;
+    }
+    if (!isFile(what)) return what;
+    std::puts("files");
+    return std::nullopt;
+}
+
 }  // namespace
+
+void PrintFleetCompletion(CLI::App& app, const std::string& line) {
+    ShellWords words = ReadShellWords(line);
+    const auto fleet = std::find(words.before.begin(), words.before.end(), kFleetWord);
+    if (fleet != words.before.end()) words.before.erase(fleet);
+    if (argumentAt(words, Reading(app, words))) print(words, {});
+}
 
 void PrintCompletion(CLI::App& app, const std::string& line) {
     limitTime();
     const ShellWords words = ReadShellWords(line);
     const Reading reading(app, words);
-    const CLI::Option* const pending = reading.Pending();
-    if (!pending && reading.MayBeOption() && words.last.starts_with("-"))
-        return print(words, reading.Options());
-    const std::string what = pending ? "--" + pending->get_lnames().at(0) : reading.Positional();
-    if (!pending && what.empty()) return print(words, reading.Commands());
-    if (isFile(what)) {
-        std::puts("files");
-        return;
-    }
+    const auto what = argumentAt(words, reading);
+    if (!what) return;
     const Installation place = Installation::Locate(
         reading.Directory().empty() ? std::nullopt : std::optional(reading.Directory()));
     LiveNames live(place);
-    print(words, valuesOf(what, reading, live, words.last));
+    print(words, valuesOf(*what, reading, live, words.last));
     (void)std::fflush(stdout);
     // A daemon that does not answer is not waited for.
     _exit(0);

@@ -15,4 +15,7 @@ namespace oam {
 // business), then the candidates, a line each, quoted as the end of the line needs it.
 void PrintCompletion(CLI::App& app, const std::string& line);
 
+// The same of a line of `oam fleet`, whose commands these are; no names, since they lie elsewhere.
+void PrintFleetCompletion(CLI::App& app, const std::string& line);
+
 }  // namespace oam

@@ -25,6 +25,7 @@ Json withSchema(const Json& members) {
 
 void Console::Show(const char* key, const Table& table) {
     if (json_) return ShowJson(Json{{key, AsJson(table)}});
+    if (collected_) return Write(AsText(table));
     const std::string text = AsText(Fitted(table, TerminalWidth(STDOUT_FILENO)));
     const size_t heading = text.find('\n');
     Write(Painted(text.substr(0, heading), Look::kHeading, STDOUT_FILENO) + text.substr(heading));
@@ -49,15 +50,24 @@ void Console::Say(const std::string& line) {
 }
 
 void Console::Value(const std::string& value) {
-    Write((isatty(STDOUT_FILENO) ? Shown(value) : value) + '\n');
+    Write((collected_ || isatty(STDOUT_FILENO) ? Shown(value) : value) + '\n');
 }
 
 void Console::Note(const std::string& text) {
+    if (collected_) {
+        collected_->err += text + '\n';
+        return;
+    }
     (void)std::fflush(stdout);
     std::fprintf(stderr, "oam: %s\n", text.c_str());
 }
 
 void Console::Complain(const Failure& failure) {
+    if (collected_) {
+        Note(failure.what());
+        if (!failure.Advice().empty()) Note(failure.Advice());
+        return;
+    }
     (void)std::fflush(stdout);
     std::fprintf(stderr, "%s %s\n", Painted("oam:", Look::kTrouble, STDERR_FILENO).c_str(),
                  failure.what());
@@ -71,15 +81,19 @@ void Console::Remark(const Alert& alert) {
 }
 
 void Console::Whisper(const std::string& text) {
-    if (isatty(STDERR_FILENO)) Note(text);
+    if (!collected_ && isatty(STDERR_FILENO)) Note(text);
 }
 
 void Console::Flush() {
-    if (std::fflush(stdout) != 0)
+    if (!collected_ && std::fflush(stdout) != 0)
         throw Failure(std::string("cannot write the output: ") + std::strerror(errno));
 }
 
 void Console::Write(const std::string& text) {
+    if (collected_) {
+        collected_->out += text;
+        return;
+    }
     if (std::fwrite(text.data(), 1, text.size(), stdout) != text.size())
         throw Failure(std::string("cannot write the output: ") + std::strerror(errno));
 }

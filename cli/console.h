@@ -3,7 +3,7 @@
 //
 // In JSON a command prints one object, a stream one object a line; each begins with "schema": 1.
 // Output that cannot be written is a Failure: a script must not take half an answer for a whole
-// one.
+// one. What is collected for somebody else is never for people who look.
 #pragma once
 
 #include <string>
@@ -15,11 +15,20 @@ namespace oam {
 class Failure;
 struct Alert;
 
+// The answer of a command that is run for somebody else, and what it has said besides.
+struct CollectedOutput {
+    std::string out;
+    std::string err;  // a line each, without the tool's name
+};
+
 class Console {
   public:
-    explicit Console(bool json) : json_(json) {}
+    // With `collected`, which must outlive it, nothing is written anywhere.
+    explicit Console(bool json, CollectedOutput* collected = nullptr)
+        : json_(json), collected_(collected) {}
 
     bool IsJson() const { return json_; }
+    bool IsCollected() const { return collected_ != nullptr; }
 
     // One answer: `table` alone in JSON stands under `key`.
     void Show(const char* key, const Table& table);
@@ -52,6 +61,7 @@ class Console {
     void Write(const std::string& text);
 
     bool json_;
+    CollectedOutput* collected_;
 };
 
 }  // namespace oam

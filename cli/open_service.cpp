@@ -18,6 +18,7 @@ namespace {
 
 // Nothing when none listens.
 std::unique_ptr<Service> connect(const Context& context, const Interruption& interruption) {
+    if (context.source != nullptr) return context.source->Open(context.console, interruption);
     if (context.host != nullptr)
         return ConnectRemoteHost(*context.host, context.console, interruption);
     try {
