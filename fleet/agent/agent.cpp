@@ -106,7 +106,8 @@ class Agent::Parts {
         threads.emplace_back([&] { Serve(link, stop); });
         while (link->IsUp() && !WaitForStop(end, kLook))
             for (const std::string& denial : link->TakeDenials())
-                rightsMatter_.IsBad("the server denies something: " + denial);
+                if (!CommandServer::IsOfThatQuestion(denial))
+                    rightsMatter_.IsBad("the server denies something: " + denial);
         over.request_stop();
     }
 

@@ -15,6 +15,8 @@ namespace {
 
 constexpr std::int64_t kLook = 250;  // milliseconds
 constexpr std::size_t kMostAtOnce = 32;
+// No verb: the server must not let it through.
+constexpr const char* kQuestion = "MayAHostAsk";
 constexpr std::size_t kPiece = 64 * 1024;
 constexpr auto kStreamLook = std::chrono::milliseconds(500);
 // Nobody follows operations for longer.
@@ -64,7 +66,7 @@ CommandServer::~CommandServer() = default;
 
 bool CommandServer::LetsHostsAsk(Link& link, const std::string& host) {
     const auto heard = link.Subscribe(CommandSubjects(host));
-    link.Publish(CommandSubject(host, "admin", host, "Probe"), "");
+    link.Publish(CommandSubject(host, "admin", host, kQuestion), "");
     link.Flush();
     std::uint64_t waiting = 0;
     Require(natsSubscription_QueuedMsgs(heard.get(), &waiting), "cannot listen to commands");
@@ -74,9 +76,13 @@ bool CommandServer::LetsHostsAsk(Link& link, const std::string& host) {
         if (natsSubscription_NextMsg(&message, heard.get(), kLook) != NATS_OK) break;
         const auto owned = Taken(message);
         const auto name = ParseCommandSubject(natsMsg_GetSubject(message));
-        if (name && name->verb == "Probe" && name->caller == host) return true;
+        if (name && name->verb == kQuestion && name->caller == host) return true;
     }
     return false;
+}
+
+bool CommandServer::IsOfThatQuestion(const std::string& denial) {
+    return denial.find(std::string(".") + kQuestion + '"') != denial.npos;
 }
 
 void CommandServer::Serve(const std::shared_ptr<Link>& link, const std::stop_token& stop) {

@@ -36,6 +36,8 @@ class CommandServer {
     // Whether this link's server lets the host itself ask hosts for something: then it lets every
     // host, and subjects tell nothing.
     static bool LetsHostsAsk(Link& link, const std::string& host);
+    // Whether the denial is of that question, as it should be.
+    static bool IsOfThatQuestion(const std::string& denial);
 
   private:
     struct Running;

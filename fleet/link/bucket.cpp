@@ -71,6 +71,8 @@ Bucket::Content Bucket::ReadAll() {
     const natsStatus status =
         js_SubscribeSync(&made, link_.Streams(), subjects.c_str(), nullptr, &options, &error);
     const SubscriptionHandle subscription(made);
+    if (error == JSStreamNotFoundErr)
+        throw Failure("there is no bucket " + name_, "`oam fleet init` makes it", kNotFound);
     Require(status, what, error);
     jsConsumerInfo* info = nullptr;
     const auto asked = std::chrono::steady_clock::now();

@@ -1,5 +1,6 @@
 #include "fleet/link/setup.h"
 
+#include "fleet/link/stream.h"
 #include "fleet/names.h"
 
 namespace oam::fleet {
@@ -24,10 +25,9 @@ jsStreamConfig begun(const std::string& name, const char** subjects, const Fleet
 MadeStream make(Link& link, jsStreamConfig& config) {
     jsErrCode error = {};
     const std::string what = std::string("cannot make the stream ") + config.Name;
-    natsStatus status = js_AddStream(nullptr, link.Streams(), &config, nullptr, &error);
-    const bool wasThere = error == JSStreamNameExistErr;
-    if (wasThere) status = js_UpdateStream(nullptr, link.Streams(), &config, nullptr, &error);
-    Require(status, what, error);
+    const bool wasThere = LookAtStream(link, config.Name).has_value();
+    const auto put = wasThere ? js_UpdateStream : js_AddStream;
+    Require(put(nullptr, link.Streams(), &config, nullptr, &error), what, error);
     return {config.Name, !wasThere};
 }
 
@@ -41,7 +41,8 @@ MadeStream makeBucket(Link& link, const char* bucket, const FleetPlan& plan, boo
     config.DenyDelete = true;
     config.Discard = js_DiscardNew;
     if (isPresence) {
-        config.Storage = js_MemoryStorage;
+        // One server alone forgets with its end that there ever was such a bucket.
+        if (plan.replicas > 1) config.Storage = js_MemoryStorage;
         config.MaxAge = plan.presenceAge.count() * kSecond;
         if (config.MaxAge < config.Duplicates) config.Duplicates = config.MaxAge;
     }
