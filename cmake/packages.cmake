@@ -13,7 +13,7 @@ set(CPACK_INSTALL_PREFIX /usr)
 set(CPACK_STRIP_FILES ON)
 set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
     OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
-set(CPACK_COMPONENTS_ALL library development daemon tool console kit)
+set(CPACK_COMPONENTS_ALL library development daemon tool console fleet kit)
 set(CPACK_COMPONENTS_GROUPING IGNORE)
 set(CPACK_DEB_COMPONENT_INSTALL ON)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
@@ -48,6 +48,9 @@ oam_package(tool oam
 oam_package(console oam-console
     "A page for those who would rather look, and the daemon's interface as JSON."
     liboamsuper)
+oam_package(fleet oam-fleet
+    "Brings a host into a fleet, looks at the fleet, and asks many hosts at once."
+    liboamsuper oam)
 oam_package(kit oam-sdk
     "Templates, the guide, and the judge of plug-ins and components."
     liboamsuper liboamsuper-dev)
@@ -63,6 +66,11 @@ endforeach()
 set(CPACK_DEBIAN_CONSOLE_PACKAGE_SUGGESTS oamd)
 set(CPACK_DEBIAN_CONSOLE_PACKAGE_CONTROL_EXTRA
     ${PROJECT_SOURCE_DIR}/packaging/debian/console/conffiles)
+foreach(script postinst prerm postrm conffiles)
+    list(APPEND CPACK_DEBIAN_FLEET_PACKAGE_CONTROL_EXTRA
+        ${PROJECT_SOURCE_DIR}/packaging/debian/fleet/${script})
+endforeach()
+set(CPACK_DEBIAN_FLEET_PACKAGE_SUGGESTS "oamd, nats-server")
 set(CPACK_DEBIAN_DAEMON_PACKAGE_RECOMMENDS "oam, systemd")
 
 include(CPack)

@@ -18,11 +18,11 @@ bool isProgram(const std::string& path) {
 
 }  // namespace
 
-TEST(Packages, AreSix) {
+TEST(Packages, AreSeven) {
     std::set<std::string> names;
     for (const auto& [name, file] : Packages()) names.insert(name);
     EXPECT_THAT(names, ::testing::UnorderedElementsAre("liboamsuper", "liboamsuper-dev", "oamd",
-                                                       "oam", "oam-console", "oam-sdk"));
+                                                       "oam", "oam-console", "oam-fleet", "oam-sdk"));
 }
 
 TEST(Packages, HoldEveryInstalledFileOnce) {
@@ -81,11 +81,13 @@ TEST(Packages, NameEveryFileBelowEtcAsSettingsToKeep) {
 }
 
 TEST(Packages, HaveScriptsThatTheShellUnderstands) {
-    for (const char* script : {"postinst", "prerm", "postrm"}) {
-        const std::string text = OutputOf({"dpkg-deb", "-I", Packages().at("oamd"), script});
-        EXPECT_THAT(text, ::testing::StartsWith("#!/bin/sh\n"));
-        EXPECT_EQ(ChildProcess({"/bin/sh", "-n", "-c", text}, "/").Finish().status, 0) << script;
-    }
+    for (const char* const package : {"oamd", "oam-fleet"})
+        for (const char* const script : {"postinst", "prerm", "postrm"}) {
+            const std::string text = OutputOf({"dpkg-deb", "-I", Packages().at(package), script});
+            EXPECT_THAT(text, ::testing::StartsWith("#!/bin/sh\n"));
+            EXPECT_EQ(ChildProcess({"/bin/sh", "-n", "-c", text}, "/").Finish().status, 0)
+                << package << ' ' << script;
+        }
 }
 
 TEST(Packages, NameNoPlaceOfTheMachineThatMadeThem) {
