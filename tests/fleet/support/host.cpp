@@ -11,6 +11,7 @@
 #include <sstream>
 
 #include "await.h"
+#include "support/http.h"
 #include "wire/local_socket.h"
 
 namespace oam::test {
@@ -41,9 +42,11 @@ std::vector<std::string> environment(const std::string& directory) {
     return {"KOR_DIR=" + directory, "KOR_SHM_DIR=" + directory + "/shm"};
 }
 
-std::unique_ptr<ChildProcess> startDaemon(const std::string& directory) {
-    auto daemon = StartLasting(environment(directory), {OAM_DAEMON, "--alerts-kept", "100000"},
-                               directory, directory + "/oamd.log");
+std::unique_ptr<ChildProcess> startDaemon(const std::string& directory,
+                                          const std::vector<std::string>& options = {}) {
+    std::vector<std::string> command{OAM_DAEMON};
+    command.insert(command.end(), options.begin(), options.end());
+    auto daemon = StartLasting(environment(directory), command, directory, directory + "/oamd.log");
     EXPECT_TRUE(Await([&] {
         const auto descriptor = wire::Connect(wire::SocketPath(directory));
         if (descriptor) close(*descriptor);
@@ -70,11 +73,8 @@ HostModel::HostModel(const Site& site, int boards) : directory_(site.Directory("
     EXPECT_EQ(daemon->Finish().status, 0);
 }
 
-Host::Host(Site& site, const HostModel& model, const std::string& name, const std::string& hub)
-    : name_(name),
-      hub_(hub),
-      papers_(site.PapersOf(Certificate())),
-      directory_(site.Directory(name)) {
+Host::Host(Site& site, const HostModel& model, const std::string& name)
+    : name_(name), papers_(site.PapersOf(Certificate())), directory_(site.Directory(name)) {
     for (const char* each : {"oam/log", "lib", "shm"}) site.Directory(name + "/" + each);
     files::copy(model.Directory() + "/oam/cfg", directory_ + "/oam/cfg",
                 files::copy_options::recursive);
@@ -82,7 +82,8 @@ Host::Host(Site& site, const HostModel& model, const std::string& name, const st
 }
 
 void Host::StartDaemon() {
-    daemon_ = startDaemon(directory_);
+    daemon_ = startDaemon(directory_, {"--alerts-kept", std::to_string(alertsKept_), "--metrics",
+                                       daemonMetrics_.Address()});
     Connect();
 }
 
@@ -92,7 +93,7 @@ void Host::StartAgent() {
         StartLasting(environment(directory_),
                      {OAM_FLEET_AGENT, "--dir", directory_, "--name", name_, "--server", hub_,
                       "--domain", "hub", "--certificate", papers_.certificate, "--key", papers_.key,
-                      "--authorities", papers_.authorities, "--metrics", metrics_.Address()},
+                      "--authorities", papers_.authorities, "--metrics", agentMetrics_.Address()},
                      directory_, directory_ + "/fleetd.log");
 }
 
@@ -137,6 +138,14 @@ std::string Host::AgentLog() const {
     std::ostringstream text;
     text << std::ifstream(directory_ + "/fleetd.log").rdbuf();
     return text.str();
+}
+
+std::string Host::DaemonMetrics() const {
+    return BodyOf(HttpGet(daemonMetrics_.Address(), "/metrics"));
+}
+
+std::string Host::AgentMetrics() const {
+    return BodyOf(HttpGet(agentMetrics_.Address(), "/metrics"));
 }
 
 void Host::Kill(std::unique_ptr<ChildProcess>* process) {

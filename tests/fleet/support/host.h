@@ -29,12 +29,17 @@ class HostModel {
 
 class Host {
   public:
-    // `name` in the fleet; its certificate is "<name>.example.net". The hub is where the agent
-    // goes: the hub's servers or a leaf.
-    Host(Site& site, const HostModel& model, const std::string& name, const std::string& hub);
+    // `name` in the fleet; its certificate is "<name>.example.net".
+    Host(Site& site, const HostModel& model, const std::string& name);
+
+    // Where its agent goes: the hub's servers, or a leaf.
+    void SetHub(const std::string& urls) { hub_ = urls; }
 
     const std::string& Name() const { return name_; }
     std::string Certificate() const { return name_ + ".example.net"; }
+
+    // How many its daemon keeps, from its next start on.
+    void KeepAlerts(int count) { alertsKept_ = count; }
 
     void StartDaemon();
     void StartAgent();
@@ -49,8 +54,9 @@ class Host {
     std::vector<v1::Alert> Ring();
     std::uint64_t Newest();
     std::string AgentLog() const;
-    // Of the agent's metrics.
-    int MetricsPort() const { return metrics_.Number(); }
+    // In Prometheus's text; empty while nobody answers.
+    std::string DaemonMetrics() const;
+    std::string AgentMetrics() const;
 
   private:
     void Connect();
@@ -60,7 +66,8 @@ class Host {
     std::string hub_;
     Papers papers_;
     std::string directory_;
-    ReservedPort metrics_;
+    ReservedPort daemonMetrics_, agentMetrics_;
+    int alertsKept_ = 100'000;
     std::unique_ptr<ChildProcess> daemon_, agent_;
     std::unique_ptr<v1::Alerts::Stub> alerts_;
     std::unique_ptr<v1::Host::Stub> service_;

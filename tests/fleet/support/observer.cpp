@@ -138,6 +138,7 @@ std::optional<StreamFacts> Observer::Facts(const std::string& stream) const {
     StreamFacts facts;
     facts.messages = info->State.Msgs;
     facts.bytes = info->State.Bytes;
+    facts.last = info->State.LastSeq;
     facts.replicas = info->Config->Replicas;
     if (info->Cluster != nullptr) {
         facts.leader = textOf(info->Cluster->Leader);
@@ -150,30 +151,39 @@ std::optional<StreamFacts> Observer::Facts(const std::string& stream) const {
 }
 
 std::vector<Kept> Observer::Records(const std::string& stream, const std::string& subject) const {
+    std::vector<Kept> records;
+    const auto facts = Facts(stream);
+    EXPECT_TRUE(facts) << nats_GetLastError(nullptr);
+    if (!facts || facts->messages == 0) return records;
     jsSubOptions options;
     jsSubOptions_Init(&options);
     options.Stream = stream.c_str();
     options.Ordered = true;
     natsSubscription* subscription = nullptr;
-    jsConsumerInfo* info = nullptr;
-    std::vector<Kept> records;
     EXPECT_TRUE(Await([&] {
-        return js_SubscribeSync(&subscription, streams_, subject.c_str(), nullptr, &options,
-                                nullptr) == NATS_OK;
+        return js_SubscribeSync(&subscription, streams_, ">", nullptr, &options, nullptr) ==
+               NATS_OK;
     })) << nats_GetLastError(nullptr);
-    EXPECT_EQ(natsSubscription_GetConsumerInfo(&info, subscription, nullptr, nullptr), NATS_OK);
-    if (info == nullptr) return records;
-    const std::uint64_t count = info->NumPending + info->Delivered.Consumer;
-    jsConsumerInfo_Destroy(info);
-    while (records.size() < count) {
+    for (std::uint64_t at = 0; at < facts->last;) {
         natsMsg* next = nullptr;
         const natsStatus status = natsSubscription_NextMsg(&next, subscription, 20 * kWait);
         EXPECT_EQ(status, NATS_OK) << natsStatus_GetText(status);
         if (status != NATS_OK) break;
-        records.push_back(keptIn(Message(next, &natsMsg_Destroy).get()));
+        Kept kept = keptIn(Message(next, &natsMsg_Destroy).get());
+        at = kept.sequence;
+        if (subject.empty() || kept.subject == subject) records.push_back(std::move(kept));
     }
     natsSubscription_Destroy(subscription);
     return records;
+}
+
+std::string Observer::Last(const std::string& stream, const std::string& subject) const {
+    natsMsg* last = nullptr;
+    if (js_GetLastMsg(&last, streams_, stream.c_str(), subject.c_str(), nullptr, nullptr) !=
+        NATS_OK)
+        return "";
+    const Message message(last, &natsMsg_Destroy);
+    return keptIn(last).data;
 }
 
 bool Observer::Publish(const std::string& subject, const std::string& data,

@@ -26,6 +26,7 @@ struct StreamFacts {
     std::string leader;  // empty: none
     std::uint64_t messages = 0;
     std::uint64_t bytes = 0;
+    std::uint64_t last = 0;  // sequence
     std::int64_t replicas = 0;
     bool isCurrent = false;  // every copy is up to date
 };
@@ -45,8 +46,12 @@ class Observer {
     void MakeStream(const std::string& name, const std::string& subject) const;
     std::vector<std::string> Streams() const;
     std::optional<StreamFacts> Facts(const std::string& stream) const;
-    // Every record of the stream that fits the subject, in its order.
-    std::vector<Kept> Records(const std::string& stream, const std::string& subject = ">") const;
+    // Every record of the stream, or of one subject, in its order; up to what the leader has now (a
+    // copy that is a moment behind may be the one that is read).
+    std::vector<Kept> Records(const std::string& stream, const std::string& subject = "") const;
+
+    // The newest record with the subject; empty when there is none.
+    std::string Last(const std::string& stream, const std::string& subject) const;
 
     // False when it was not acknowledged.
     bool Publish(const std::string& subject, const std::string& data,
