@@ -18,7 +18,8 @@
 // server maps it, and is the one that the host's own roles are asked about.
 //
 // The agent of a host needs these rights (API is "$JS.API" or "$JS.DOMAIN.API"):
-//   publish    oam.alerts.HOST  $KV.*.HOST  _INBOX.>  API.STREAM.INFO.OAM_ALERTS
+//   publish    oam.alerts.HOST  $KV.*.HOST (with a domain API.$KV.*.HOST too)  _INBOX.>
+//              API.STREAM.INFO.OAM_ALERTS
 //              API.DIRECT.GET.OAM_ALERTS.oam.alerts.HOST
 //              API.DIRECT.GET.KV_oam_hosts.$KV.oam_hosts.HOST
 //   subscribe  oam.command.HOST.>  _INBOX.NAME.>

@@ -17,8 +17,14 @@ using MetaData = std::unique_ptr<jsMsgMetaData, Destroy<jsMsgMetaData_Destroy>>;
 
 Bucket::Bucket(Link& link, std::string name) : link_(link), name_(std::move(name)) {}
 
-void Bucket::Put(const std::string& key, const std::string& value) {
+// A leaf server lets a bucket's subjects pass only as part of its domain's.
+std::string Bucket::Target(const std::string& key) const {
     const std::string subject = BucketSubject(name_, key);
+    return link_.HasDomain() ? link_.StreamApi() + subject : subject;
+}
+
+void Bucket::Put(const std::string& key, const std::string& value) {
+    const std::string subject = Target(key);
     jsPubOptions options;
     Require(jsPubOptions_Init(&options), "cannot publish");
     options.MaxWait = kLimit;
@@ -31,11 +37,11 @@ void Bucket::Put(const std::string& key, const std::string& value) {
 }
 
 void Bucket::Say(const std::string& key, const std::string& value) {
-    link_.Publish(BucketSubject(name_, key), value);
+    link_.Publish(Target(key), value);
 }
 
 void Bucket::Remove(const std::string& key) {
-    const std::string subject = BucketSubject(name_, key);
+    const std::string subject = Target(key);
     natsMsg* made = nullptr;
     Require(natsMsg_Create(&made, subject.c_str(), nullptr, nullptr, 0),
             "cannot remove " + subject);

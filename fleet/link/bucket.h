@@ -31,6 +31,9 @@ class Bucket {
     std::string KeyOf(const Stored& value) const;
 
   private:
+    // Where a key is published.
+    std::string Target(const std::string& key) const;
+
     Link& link_;
     const std::string name_;
 };

@@ -123,7 +123,7 @@ bool letsAnyoneIn(const LinkSettings& settings, const std::string& server) {
 
 Link::Link(const LinkSettings& settings, const std::string& client)
     : client_(client),
-      streamApi_(settings.domain.empty() ? "$JS.API." : "$JS." + settings.domain + ".API."),
+      streamApi_(settings.domain.empty() ? kOwnApi : "$JS." + settings.domain + ".API."),
       number_(Denials::All().Begin()) {
     if (const std::string why = WhyNotAllowed(settings); !why.empty()) throw UsageError(why);
     const OptionsHandle owned = newOptions(settings.servers);

@@ -59,8 +59,11 @@ class Link {
     jsCtx* Streams() const { return streams_.get(); }
     // "$JS.API." or a domain's.
     const std::string& StreamApi() const { return streamApi_; }
+    bool HasDomain() const { return streamApi_ != kOwnApi; }
 
   private:
+    static constexpr const char* kOwnApi = "$JS.API.";
+
     const std::string client_;
     const std::string streamApi_;
     const std::uintptr_t number_;  // of this link, in this process
