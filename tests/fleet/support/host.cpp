@@ -3,7 +3,9 @@
 #include <grpcpp/create_channel_posix.h>
 #include <grpcpp/grpcpp.h>
 #include <gtest/gtest.h>
+#include <pwd.h>
 #include <signal.h>
+#include <unistd.h>
 
 #include <chrono>
 #include <filesystem>
@@ -38,6 +40,11 @@ std::string chassis(int boards) {
     return text;
 }
 
+std::string ownRule() {
+    const passwd* const self = getpwuid(geteuid());
+    return self == nullptr ? "" : std::string("user ") + self->pw_name + " admin\n";
+}
+
 std::vector<std::string> environment(const std::string& directory) {
     return {"KOR_DIR=" + directory, "KOR_SHM_DIR=" + directory + "/shm"};
 }
@@ -58,10 +65,12 @@ std::unique_ptr<ChildProcess> startDaemon(const std::string& directory,
 
 }  // namespace
 
-HostModel::HostModel(const Site& site, int boards) : directory_(site.Directory("model")) {
+HostModel::HostModel(const Site& site, int boards, const std::string& roles)
+    : directory_(site.Directory("model")) {
     for (const char* each : {"oam/cfg", "oam/log", "lib", "shm"})
         site.Directory(std::string("model/") + each);
     site.Write("model/oam/cfg/sim.chassis", chassis(boards));
+    site.Write("model/oam/roles.conf", "user root admin\n" + ownRule() + roles);
     files::copy_file(OAM_SIM_PLUGIN, directory_ + "/lib/sim.bpi");
     const auto daemon = startDaemon(directory_);
     std::vector<std::string> add{"/usr/bin/env"};
@@ -78,6 +87,7 @@ Host::Host(Site& site, const HostModel& model, const std::string& name)
     for (const char* each : {"oam/log", "lib", "shm"}) site.Directory(name + "/" + each);
     files::copy(model.Directory() + "/oam/cfg", directory_ + "/oam/cfg",
                 files::copy_options::recursive);
+    files::copy_file(model.Directory() + "/oam/roles.conf", directory_ + "/oam/roles.conf");
     files::create_hard_link(model.Directory() + "/lib/sim.bpi", directory_ + "/lib/sim.bpi");
 }
 
@@ -146,6 +156,12 @@ std::string Host::DaemonMetrics() const {
 
 std::string Host::AgentMetrics() const {
     return BodyOf(HttpGet(agentMetrics_.Address(), "/metrics"));
+}
+
+void Host::EndDaemon() {
+    daemon_->Signal(SIGTERM);
+    EXPECT_EQ(daemon_->Finish().status, 0) << name_;
+    daemon_.reset();
 }
 
 void Host::Kill(std::unique_ptr<ChildProcess>* process) {

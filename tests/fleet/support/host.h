@@ -18,8 +18,9 @@ namespace oam::test {
 // start.
 class HostModel {
   public:
-    // With so many boards, "Sim 0" and on.
-    HostModel(const Site& site, int boards);
+    // With so many boards, "Sim 0" and on; `roles` are lines of the daemon's rules besides that for
+    // who runs the test.
+    HostModel(const Site& site, int boards, const std::string& roles = {});
 
     const std::string& Directory() const { return directory_; }
 
@@ -45,6 +46,8 @@ class Host {
     void StartAgent();
     ChildProcess& Daemon() { return *daemon_; }
     ChildProcess& Agent() { return *agent_; }
+    // In good order.
+    void EndDaemon();
     void KillDaemon() { Kill(&daemon_); }
     void KillAgent() { Kill(&agent_); }
 

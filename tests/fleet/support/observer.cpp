@@ -13,7 +13,7 @@ namespace {
 using Options = std::unique_ptr<natsOptions, void (*)(natsOptions*)>;
 using Message = std::unique_ptr<natsMsg, void (*)(natsMsg*)>;
 
-constexpr int kWait = 3000;  // milliseconds for one answer
+constexpr int kWait = 5000;  // milliseconds for one answer
 
 // Where the rights of a client of this name have its answers come; names here have dots at most.
 std::string inboxOf(const std::string& name) {
@@ -79,7 +79,7 @@ Kept keptIn(natsMsg* message) {
 
 Observer::Observer(const std::string& urls, const Papers& papers) {
     const Options options = optionsOf(urls, papers);
-    if (natsConnection_Connect(&connection_, options.get()) != NATS_OK)
+    if (!Await([&] { return natsConnection_Connect(&connection_, options.get()) == NATS_OK; }))
         throw std::runtime_error(textOf(nats_GetLastError(nullptr)));
     jsOptions stream = streamOptions();
     if (natsConnection_JetStream(&streams_, connection_, &stream) != NATS_OK) {
