@@ -1,6 +1,7 @@
 #include "fleet/agent/command_server.h"
 
 #include <atomic>
+#include <system_error>
 #include <thread>
 
 #include "daemon/message_stream.h"
@@ -121,23 +122,30 @@ void CommandServer::Tend() {
 
 void CommandServer::Take(const std::shared_ptr<Link>& link, natsMsg& request) {
     const auto answer = std::make_shared<CommandAnswer>(link, request);
-    if (running_.size() >= kMostAtOnce) {
-        figures_.Count(CommandEnd::kRefused);
-        return answer->Refuse(refused(grpc::StatusCode::RESOURCE_EXHAUSTED,
-                                      "the host is at work on " + std::to_string(running_.size()) +
-                                          " requests of the fleet already",
-                                      "try again"));
-    }
+    if (running_.size() >= kMostAtOnce)
+        return RefuseForNow(*answer, "the host is at work on " + std::to_string(running_.size()) +
+                                         " requests of the fleet already");
     answer->Taken();
     const auto running = std::make_shared<Running>();
     running->answer = answer;
-    ++figures_.commandsRunning;
-    running->thread = std::thread([this, running] {
-        Do(running->answer);
-        --figures_.commandsRunning;
-        running->isOver = true;
-    });
     running_.push_back(running);
+    ++figures_.commandsRunning;
+    try {
+        running->thread = std::thread([this, running] {
+            Do(running->answer);
+            --figures_.commandsRunning;
+            running->isOver = true;
+        });
+    } catch (const std::system_error& error) {
+        --figures_.commandsRunning;
+        running_.pop_back();
+        RefuseForNow(*answer, std::string("the host has no thread for it: ") + error.what());
+    }
+}
+
+void CommandServer::RefuseForNow(CommandAnswer& answer, const std::string& rule) {
+    figures_.Count(CommandEnd::kRefused);
+    answer.Refuse(refused(grpc::StatusCode::RESOURCE_EXHAUSTED, rule, "try again"));
 }
 
 void CommandServer::Do(const std::shared_ptr<CommandAnswer>& answer) {

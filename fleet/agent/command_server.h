@@ -42,6 +42,7 @@ class CommandServer {
   private:
     struct Running;
     void Take(const std::shared_ptr<Link>& link, natsMsg& request);
+    void RefuseForNow(CommandAnswer& answer, const std::string& rule);
     void Do(const std::shared_ptr<CommandAnswer>& answer);
     grpc::Status Call(CommandAnswer& answer, const CommandName& name);
     grpc::Status Stream(CommandAnswer& answer, const console::Route& route,

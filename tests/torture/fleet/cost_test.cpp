@@ -163,13 +163,15 @@ TEST_F(FleetCost, OfAHostIsFlatAndALookAtAllBoardsTakesUnderASecond) {
     // What the servers take for themselves is shared by more hosts, so flat is a bound from above.
     const Row &first = rows.front(), &last = rows.back();
     constexpr double kFlat = 1.5;
-    EXPECT_LT(last.hubCpu, kFlat * first.hubCpu);
     EXPECT_LT(last.hubKb, kFlat * first.hubKb);
-    EXPECT_LT(last.agentCpu, kFlat * first.agentCpu);
     EXPECT_LT(last.agentKb, kFlat * first.agentKb);
     EXPECT_LT(last.recordBytes, kFlat * first.recordBytes);
-    EXPECT_LT(last.alertCpu, kFlat * first.alertCpu);
     EXPECT_LT(last.alertBytes, kFlat * first.alertBytes);
+    // Of a few hosts for a few seconds the processor's time is a few of the kernel's ticks.
+    if (!IsFull()) return;
+    EXPECT_LT(last.hubCpu, kFlat * first.hubCpu);
+    EXPECT_LT(last.agentCpu, kFlat * first.agentCpu);
+    EXPECT_LT(last.alertCpu, kFlat * first.alertCpu);
 }
 
 }  // namespace
