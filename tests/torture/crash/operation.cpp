@@ -59,13 +59,12 @@ void prepareImport(Host& host) {
     host.WriteToTemplate(kImport, content(host.Path(kImport)));
 }
 
-unsigned import(const Host& host) {
-    return _oamConfigImport(host.Path(kImport).c_str());
-}
+unsigned import(const Host& host) { return _oamConfigImport(host.Path(kImport).c_str()); }
 
 std::ptrdiff_t dataFiles(const std::string& directory) {
-    return std::ranges::count_if(std::filesystem::directory_iterator(directory),
-                                 [](const auto& file) { return file.path().extension() == ".xmo"; });
+    return std::ranges::count_if(
+        std::filesystem::directory_iterator(directory),
+        [](const auto& file) { return file.path().extension() == ".xmo"; });
 }
 
 // An import that was killed in its middle: the old files lie aside, and of the new ones (two thirds
