@@ -3,6 +3,8 @@
 
 #include "cli/fleet/sight.h"
 #include "fleet/agent/board_states.h"
+#include "fleet/link/bucket.h"
+#include "fleet/names.h"
 #include "fleet_test.h"
 #include "oam/codes.h"
 
@@ -86,6 +88,21 @@ TEST_F(FleetPresence, AnAgentThatEndsSaysSo) {
     EXPECT_EQ(Fleet("keeper", {"forget", kHostName}).status, 0);
     EXPECT_EQ(Presence(), "unknown");
     EXPECT_EQ(Fleet("keeper", {"forget", kHostName}).status, 4);
+}
+
+TEST_F(FleetPresence, AHostWhoseLastHeartbeatHasRunOutIsGoneAndBackWithTheNext) {
+    StartAll();
+    ASSERT_TRUE(AwaitPresence("alive", kPatience));
+    KillAgent();
+    // As the bucket does it with what is old.
+    const auto keeper = LinkOf("keeper");
+    fleet::Bucket(*keeper, fleet::kPresenceBucket).Remove(fleet::TokenOf(kHostName));
+    ASSERT_TRUE(AwaitPresence("gone", kPatience));
+    const Json host = FleetJson("viewer", {"hosts"})["hosts"][0];
+    EXPECT_EQ(host["why"], "nothing was heard of it for long");
+    EXPECT_EQ(host["boards"], 3);
+    StartAgent();
+    EXPECT_TRUE(AwaitPresence("alive", kPatience));
 }
 
 fleet::Beat beat(fleet::Beat::Daemon daemon, unsigned interval = 1000) {
