@@ -1,9 +1,6 @@
 #include "fleet/link/link.h"
 
 #include <atomic>
-#include <map>
-#include <mutex>
-#include <utility>
 
 #include "file_content.h"
 #include "fleet/names.h"
@@ -17,50 +14,13 @@ constexpr int kFlushLimit = 5000;
 // A server that is there and does nothing is found out after three of them.
 constexpr int kPing = 3000;
 constexpr int kPingsOut = 2;
-constexpr std::size_t kMostDenials = 10000;
-
-// What servers have denied, by the link's number: their word comes on a thread of the engine's,
-// which may be late for the link.
-class Denials {
-  public:
-    static Denials& All() {
-        static auto* const all = new Denials;
-        return *all;
-    }
-    std::uintptr_t Begin() {
-        const std::lock_guard hold(mutex_);
-        texts_[++last_];
-        return last_;
-    }
-    void End(std::uintptr_t link) {
-        const std::lock_guard hold(mutex_);
-        texts_.erase(link);
-    }
-    void Take(std::uintptr_t link, const char* text) {
-        const std::lock_guard hold(mutex_);
-        const auto found = texts_.find(link);
-        if (found != texts_.end() && found->second.size() < kMostDenials)
-            found->second.emplace_back(text);
-    }
-    std::vector<std::string> Give(std::uintptr_t link) {
-        const std::lock_guard hold(mutex_);
-        const auto found = texts_.find(link);
-        if (found == texts_.end()) return {};
-        return std::exchange(found->second, {});
-    }
-
-  private:
-    std::mutex mutex_;
-    std::map<std::uintptr_t, std::vector<std::string>> texts_;
-    std::uintptr_t last_ = 0;
-};
 
 void onError(natsConnection* connection, natsSubscription*, natsStatus status, void* closure) {
     const char* text = nullptr;
     if (status != NATS_NOT_PERMITTED ||
         natsConnection_GetLastError(connection, &text) != NATS_NOT_PERMITTED || text == nullptr)
         return;
-    Denials::All().Take(reinterpret_cast<std::uintptr_t>(closure), text);
+    Denials::Tell(reinterpret_cast<std::uintptr_t>(closure), text);
 }
 
 std::string passwordIn(const std::string& path) {
@@ -123,8 +83,7 @@ bool letsAnyoneIn(const LinkSettings& settings, const std::string& server) {
 
 Link::Link(const LinkSettings& settings, const std::string& client)
     : client_(client),
-      streamApi_(settings.domain.empty() ? kOwnApi : "$JS." + settings.domain + ".API."),
-      number_(Denials::All().Begin()) {
+      streamApi_(settings.domain.empty() ? kOwnApi : "$JS." + settings.domain + ".API.") {
     if (const std::string why = WhyNotAllowed(settings); !why.empty()) throw UsageError(why);
     const OptionsHandle owned = newOptions(settings.servers);
     natsOptions* const options = owned.get();
@@ -135,8 +94,9 @@ Link::Link(const LinkSettings& settings, const std::string& client)
             "cannot connect");
     Require(natsOptions_SetPingInterval(options, kPing), "cannot connect");
     Require(natsOptions_SetMaxPingsOut(options, kPingsOut), "cannot connect");
-    Require(natsOptions_SetErrorHandler(options, onError, reinterpret_cast<void*>(number_)),
-            "cannot connect");
+    Require(
+        natsOptions_SetErrorHandler(options, onError, reinterpret_cast<void*>(denials_.Number())),
+        "cannot connect");
     natsConnection* connection = nullptr;
     std::string names;
     for (const std::string& server : settings.servers)
@@ -159,13 +119,13 @@ Link::Link(const LinkSettings& settings, const std::string& client)
     streams_.reset(streams);
 }
 
-Link::~Link() { Denials::All().End(number_); }
+Link::~Link() = default;
 
 bool Link::IsUp() const { return !natsConnection_IsClosed(connection_.get()); }
 
 void Link::Close() { natsConnection_Close(connection_.get()); }
 
-std::vector<std::string> Link::TakeDenials() { return Denials::All().Give(number_); }
+std::vector<std::string> Link::TakeDenials() { return denials_.Take(); }
 
 std::string Link::Server() const {
     char url[512];

@@ -15,6 +15,7 @@
 #include <string_view>
 #include <vector>
 
+#include "fleet/link/denials.h"
 #include "fleet/link/handles.h"
 #include "fleet/link/link_settings.h"
 
@@ -66,7 +67,7 @@ class Link {
 
     const std::string client_;
     const std::string streamApi_;
-    const std::uintptr_t number_;  // of this link, in this process
+    Denials denials_;
     ConnectionHandle connection_;
     StreamsHandle streams_;
 };

@@ -10,10 +10,11 @@ constexpr std::int64_t kSecond = 1'000'000'000;
 // For how long a stream knows an id. What comes again later is found out by the last one's number.
 constexpr std::int64_t kIdsKnown = 120 * kSecond;
 
-jsStreamConfig begun(const std::string& name, const char** subjects, const FleetPlan& plan) {
+// Which refers to the name and the subjects.
+jsStreamConfig begun(const char* name, const char** subjects, const FleetPlan& plan) {
     jsStreamConfig config;
-    Require(jsStreamConfig_Init(&config), "cannot make the stream " + name);
-    config.Name = name.c_str();
+    Require(jsStreamConfig_Init(&config), std::string("cannot make the stream ") + name);
+    config.Name = name;
     config.Subjects = subjects;
     config.SubjectsLen = 1;
     config.Replicas = plan.replicas;
@@ -35,7 +36,7 @@ MadeStream makeBucket(Link& link, const char* bucket, const FleetPlan& plan, boo
     const std::string name = BucketStream(bucket);
     const std::string subject = BucketSubject(bucket, ">");
     const char* subjects[] = {subject.c_str()};
-    jsStreamConfig config = begun(name, subjects, plan);
+    jsStreamConfig config = begun(name.c_str(), subjects, plan);
     config.MaxMsgsPerSubject = 1;
     config.AllowRollup = true;
     config.DenyDelete = true;

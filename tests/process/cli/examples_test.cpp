@@ -1,7 +1,8 @@
 // Every example of the help texts and of the manual is a command that works.
 //
 // Each is run by a shell in an installation of its own, with the simulated chassis. Directories and
-// the group in the examples stand for the test's own.
+// the group in the examples stand for the test's own. Those of `oam fleet` need a fleet, and are run
+// where there is one (tests/fleet/host).
 #include <grp.h>
 #include <unistd.h>
 
@@ -67,7 +68,6 @@ class ToolExamples : public ToolTest {
         bool inList = false;
         for (const std::string& line : linesOf(Out(help))) {
             if (line.empty()) inList = false;
-            // Those of the fleet need one (tests/fleet).
             if (inList && line.size() > 2 && line[2] != ' ' && !line.starts_with("  fleet ")) {
                 Words command = words;
                 command.push_back(line.substr(2, line.find(' ', 2) - 2));
@@ -163,8 +163,21 @@ TEST_F(ToolExamples, OfTheManPagesWork) {
     // Those of the manual are in its man page, and tried above.
     const auto manual = examplesIn(readManual(), "    ");
     for (const std::string& example : manual) EXPECT_EQ(examples.erase(example), 1u) << example;
+    std::erase_if(examples, [](const auto& one) { return one.starts_with("oam fleet "); });
     EXPECT_FALSE(examples.empty());
     for (const std::string& example : examples) RunInAnInstallation(example);
+}
+
+// One behind the other, as a newcomer types them.
+TEST_F(ToolExamples, OfTheReadmeWork) {
+    std::string block = sectionOf(read(OAM_README), "## An installation");
+    block.erase(0, block.find("```sh\n") + 6);
+    block.erase(block.find("```"));
+    const Installation place(Layout::kBare);
+    for (size_t at = 0; (at = block.find("/opt/oam", at)) != std::string::npos;)
+        block.replace(at, 8, place.Root());
+    replace(&block, "build/release/lib/oam/sim.bpi", OAM_SIM_PLUGIN);
+    RunShell(place, "set -e; " + block);
 }
 
 TEST_F(ToolExamples, OptionsOfEveryCommandAreThoseOfTheManual) {
@@ -188,7 +201,7 @@ TEST_F(ToolExamples, OptionsOfEveryCommandAreThoseOfTheManual) {
 }
 
 TEST_F(ToolExamples, TheManualTellsOfNoOtherCommand) {
-    std::set<std::string> known;
+    std::set<std::string> known{"oam fleet"};
     for (const Words& command : AllCommands()) {
         std::string title = "oam";
         for (const std::string& word : command) title += ' ' + word;
