@@ -48,16 +48,27 @@ std::vector<HandleLedger::LeftOpen> HandleLedger::TakeLeftOpenBy(const EntryCall
         left.push_back({row->first, row->second.object});
         row = opened_.erase(row);
     }
+    std::erase_if(ended_, [&](const auto& row) { return row.first == call; });
     return left;
 }
 
 std::vector<HandleLedger::LeftOpen> HandleLedger::TakeAll() {
     const std::lock_guard hold(lock_);
     std::vector<LeftOpen> left;
-    for (const auto& [handle, opening] : opened_) left.push_back({handle, opening.object});
+    for (const auto& [handle, opening] : opened_) {
+        if (opening.by != nullptr)
+            ended_.emplace(opening.by, handle);
+        else
+            left.push_back({handle, opening.object});
+    }
     opened_.clear();
     lent_.clear();
     return left;
+}
+
+bool HandleLedger::EndedWithService(unsigned long handle, const EntryCall* call) const {
+    const std::lock_guard hold(lock_);
+    return ended_.contains({call, handle});
 }
 
 }  // namespace oam::check

@@ -8,6 +8,7 @@
 #include <mutex>
 #include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace oam::check {
@@ -32,8 +33,12 @@ class HandleLedger {
     };
     // Takes out what the call opened and did not close, as closed.
     std::vector<LeftOpen> TakeLeftOpenBy(const EntryCall* call);
-    // The service has stopped: no handle is good any more. What the module still had open.
+    // The service has stopped: no handle is good any more. What the module still had open; but what
+    // an entry that is still under way had, it has not left: it learns of the end by the answer to
+    // its next use.
     std::vector<LeftOpen> TakeAll();
+    // Whether the handle was this call's when the service stopped.
+    bool EndedWithService(unsigned long handle, const EntryCall* call) const;
 
   private:
     struct Opening {
@@ -44,6 +49,7 @@ class HandleLedger {
     mutable std::mutex lock_;
     std::map<unsigned long, Opening> opened_;
     std::set<unsigned long> lent_;
+    std::set<std::pair<const EntryCall*, unsigned long>> ended_;
 };
 
 }  // namespace oam::check

@@ -33,8 +33,11 @@ class ServiceCall {
 
 HandleLedger& ledger() { return HandleLedger::Instance(); }
 
-bool isRefused(const char* function, bool isGood) {
-    if (isGood) return false;
+bool isRefused(const char* function, unsigned long handle,
+               bool (HandleLedger::*isGood)(unsigned long) const) {
+    // Another one may have the number by now.
+    if (ledger().EndedWithService(handle, EntryCall::Current())) return true;
+    if ((ledger().*isGood)(handle)) return false;
     Tell(Rule::Handles, WhoCalls(),
          std::string("it calls ") + function + " with a handle that it does not have");
     return true;
@@ -50,7 +53,7 @@ template <class Function, class... Arguments>
 oam_result watchedDb(const char* function, Function real, unsigned long handle,
                      Arguments... arguments) noexcept {
     const ServiceCall call(function);
-    if (isRefused(function, ledger().IsUsable(handle))) return OAMERR_ACCESS_DENIED;
+    if (isRefused(function, handle, &HandleLedger::IsUsable)) return OAMERR_ACCESS_DENIED;
     if (FailingCall::IsDue(function)) return OAMERR_NOT_ENOUGH_MEMORY;
     return real(handle, arguments...);
 }
@@ -60,7 +63,7 @@ template <class Function, class Mode>
 oam_result watchedMode(const char* function, Function real, unsigned long handle,
                        Mode mode) noexcept {
     const ServiceCall call(function);
-    if (isRefused(function, ledger().IsUsable(handle))) return OAMERR_ACCESS_DENIED;
+    if (isRefused(function, handle, &HandleLedger::IsUsable)) return OAMERR_ACCESS_DENIED;
     return real(handle, mode);
 }
 
@@ -78,7 +81,7 @@ oam_result watchedOpen(const char* function, const char* object, unsigned long* 
 template <class Function>
 oam_result watchedClose(const char* function, Function real, unsigned long handle) noexcept {
     const ServiceCall call(function);
-    if (isRefused(function, ledger().IsClosable(handle))) return OAMERR_ACCESS_DENIED;
+    if (isRefused(function, handle, &HandleLedger::IsClosable)) return OAMERR_ACCESS_DENIED;
     const oam_result failed = real(handle);
     ledger().Closed(handle);
     return FailingCall::IsDue(function) ? OAMERR_FILE_WRITE_ERROR : failed;
