@@ -19,6 +19,8 @@ constexpr unsigned kOneCallIn = 8;
 constexpr unsigned long kMostTold = 20;
 
 std::atomic<Storm*> current{nullptr};
+// Calls that may still look at it. Nobody joins the service's threads.
+std::atomic<int> receiving{0};
 thread_local int depth = 0;
 
 std::string textOf(unsigned code) {
@@ -49,6 +51,7 @@ Storm::Storm(const SimSite& site, unsigned seed) : site_(site), seed_(seed) {
 Storm::~Storm() {
     (void)_oamAlertRegisterCallback(nullptr);
     current = nullptr;
+    while (receiving > 0) std::this_thread::yield();
 }
 
 void Storm::Judge(const char* function, unsigned code, Codes documented) {
@@ -68,8 +71,11 @@ bool Storm::BeginQuiet() {
 }
 
 unsigned Storm::Receive(unsigned long, const oam_msg_tag* message) {
+    ++receiving;
     Storm* storm = current;
-    return storm != nullptr ? storm->Hear(message) : 0;
+    const unsigned result = storm != nullptr ? storm->Hear(message) : 0;
+    --receiving;
+    return result;
 }
 
 unsigned Storm::Hear(const oam_msg_tag* message) {

@@ -90,10 +90,7 @@ void storm(unsigned seed, unsigned calls, Totals* totals) {
     ASSERT_TRUE(site.StartWithBoards()) << site.home.Read("oam/log/startup.log");
     ASSERT_EQ(_oamConfigExport(site.home.Path("out/first.oam").c_str()), OAM_SUCCESS);
     {
-        // Not on the stack: that would be used again after threads of the service, which nobody
-        // joins and whose end a race detector does not see.
-        const auto made = std::make_unique<Storm>(site, seed);
-        Storm& storm = *made;
+        Storm storm(site, seed);
         callOnce(storm);
         runCallers(storm, calls);
         storm.Rest();
