@@ -24,7 +24,8 @@ std::atomic<unsigned> finished{0};
 std::atomic<unsigned> refused{0};
 
 unsigned int receive(unsigned long, const oam_msg_tag* message) {
-    (message->code == OAMEVN_STARTBOARD_DONE ? finished : refused).fetch_add(1);
+    if (message->code != OAMEVN_STARTBOARD_DONE) return 0;
+    (message->severity == OAM_INFORMATION ? finished : refused).fetch_add(1);
     return 0;
 }
 
