@@ -109,7 +109,7 @@ TEST_F(FleetAlerts, OfAHostThatCountsAnewAreANewSeries) {
     StartAgain();
     Raise("new", 3);
     ASSERT_LT(Newest(), before);
-    ASSERT_TRUE(AwaitThat([&] {
+    ASSERT_TRUE(Await([&] {
         return Records().back().alert.value("text", Json()) == "new" &&
                Records().back().sequence == Newest();
     }));
@@ -150,7 +150,7 @@ TEST_F(FleetAlerts, ThatHaveGrownTooOldInTheStreamAreNotToldAgain) {
     ASSERT_TRUE(AwaitInStream(Newest()));
     const std::uint64_t before = Newest();
     const auto link = LinkOf("keeper");
-    ASSERT_TRUE(AwaitThat([&] {
+    ASSERT_TRUE(Await([&] {
         const auto host = FleetJson("viewer", {"hosts"});
         const auto stored =
             fleet::LastWith(*link, fleet::BucketStream(fleet::kHostBucket),

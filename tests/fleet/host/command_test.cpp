@@ -63,7 +63,7 @@ TEST_F(FleetCommands, TheHostsOwnRolesDecideInTheEnd) {
     Begin();
     home.Write("oam/roles.conf", "everyone admin\ncertificate operator viewer\n");
     daemon->Signal(SIGHUP);
-    ASSERT_TRUE(AwaitThat([&] {
+    ASSERT_TRUE(Await([&] {
         return Fleet("operator", {"board", "test", "Good", "--host", kHostName}).status == 5;
     }));
     const Json json = FleetJson("operator", {"board", "start", "Good", "--host", kHostName}, 5);

@@ -74,7 +74,7 @@ std::string FleetTest::Presence() const {
 }
 
 bool FleetTest::AwaitPresence(const std::string& wanted, std::chrono::milliseconds limit) const {
-    return AwaitThat([&] { return Presence() == wanted; }, limit);
+    return Await([&] { return Presence() == wanted; }, limit);
 }
 
 void FleetTest::Raise(const std::string& text, int times) {
@@ -116,7 +116,7 @@ std::vector<fleet::AlertRecord> FleetTest::Records() const {
 
 bool FleetTest::AwaitInStream(std::uint64_t sequence) const {
     const auto link = LinkOf("viewer");
-    return AwaitThat([&] {
+    return Await([&] {
         const auto last =
             fleet::LastWith(*link, fleet::kAlertStream, fleet::AlertSubject(kHostName));
         return last && fleet::ReadAlert(last->data).sequence >= sequence;

@@ -3,6 +3,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include "await.h"
 #include "daemon_test.h"
 #include "engine.h"
 #include "fleet/link/link.h"
@@ -50,15 +51,5 @@ class FleetTest : public DaemonTest {
 
 // Each number once, in order, from the first to the last; what gaps tell counts.
 void ExpectGapless(const std::vector<fleet::AlertRecord>& records, std::uint64_t last);
-
-template <class Condition>
-bool AwaitThat(Condition condition, std::chrono::milliseconds limit = std::chrono::seconds(60)) {
-    const auto end = std::chrono::steady_clock::now() + limit;
-    while (!condition()) {
-        if (std::chrono::steady_clock::now() >= end) return false;
-        std::this_thread::sleep_for(std::chrono::milliseconds(20));
-    }
-    return true;
-}
 
 }  // namespace oam::test

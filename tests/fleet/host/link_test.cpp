@@ -93,7 +93,7 @@ TEST_F(FleetLink, TheMetricsTellHowTheAgentIs) {
     const std::string told = agent->AwaitErrorLine("serves metrics at ");
     const auto text = [&] { return BodyOf(HttpGet(told.substr(0, told.find('\n')), "/metrics")); };
     const std::string count = std::to_string(Newest());
-    EXPECT_TRUE(AwaitThat([&] {
+    EXPECT_TRUE(Await([&] {
         const std::string now = text();
         return now.find("\noam_fleet_alerts_total " + count + '\n') != now.npos &&
                now.find("\noam_fleet_linked 1\n") != now.npos &&
@@ -102,9 +102,8 @@ TEST_F(FleetLink, TheMetricsTellHowTheAgentIs) {
                now.find("\noam_fleet_records_total{bucket=\"boards\"} ") != now.npos;
     })) << text();
     engine.Stop();
-    EXPECT_TRUE(AwaitThat([&] {
-        return text().find("\noam_fleet_linked 0\n") != std::string::npos;
-    })) << text();
+    EXPECT_TRUE(Await([&] { return text().find("\noam_fleet_linked 0\n") != std::string::npos; }))
+        << text();
 }
 
 TEST_F(FleetLink, TheStreamsAreMadeOnceAndChangedLater) {

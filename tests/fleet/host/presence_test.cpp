@@ -20,8 +20,7 @@ class FleetPresence : public FleetTest {};
 TEST_F(FleetPresence, AHostIsAliveWithItsInventory) {
     StartAll();
     ASSERT_TRUE(AwaitPresence("alive", kPatience));
-    ASSERT_TRUE(
-        AwaitThat([&] { return FleetJson("viewer", {"hosts"})["hosts"][0]["boards"] == 3; }));
+    ASSERT_TRUE(Await([&] { return FleetJson("viewer", {"hosts"})["hosts"][0]["boards"] == 3; }));
     const Json host = FleetJson("viewer", {"hosts"})["hosts"][0];
     EXPECT_EQ(host["host"], kHostName);
     EXPECT_EQ(host["running"], true);
@@ -43,14 +42,14 @@ TEST_F(FleetPresence, ABoardsStateFollowsWhatHappensToIt) {
             if (board["name"] == name) return board["state"].get<std::string>();
         return std::string("none");
     };
-    ASSERT_TRUE(AwaitThat([&] { return stateOf("Good") == "idle"; }));
+    ASSERT_TRUE(Await([&] { return stateOf("Good") == "idle"; }));
     Client client(home);
     EXPECT_EQ(Wait(client, StartBoard(client, "Good"), 60).state(), v1::Operation::STATE_DONE);
     EXPECT_EQ(Wait(client, StartBoard(client, "Bad"), 60).state(), v1::Operation::STATE_FAILED);
-    EXPECT_TRUE(AwaitThat([&] { return stateOf("Good") == "started"; }));
-    EXPECT_TRUE(AwaitThat([&] { return stateOf("Bad") == "start failed"; }));
+    EXPECT_TRUE(Await([&] { return stateOf("Good") == "started"; }));
+    EXPECT_TRUE(Await([&] { return stateOf("Bad") == "start failed"; }));
     Tool({"board", "delete", "Bad"});
-    EXPECT_TRUE(AwaitThat([&] { return stateOf("Bad") == "none"; }));
+    EXPECT_TRUE(Await([&] { return stateOf("Bad") == "none"; }));
 }
 
 TEST_F(FleetPresence, AFrozenOrKilledAgentIsSeen) {
