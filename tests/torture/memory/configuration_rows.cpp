@@ -124,7 +124,8 @@ std::vector<Row> ConfigurationRows() {
          .undo = &deleteCreated,
          // Kept: a value of the plug-in that cannot be copied is empty.
          .accepts = [](World&, const Outcome& outcome) { return EmptiesValues(outcome, ""); },
-         .isVital = true},
+         .isVital = true,
+         .isIntricate = true},
         {.name = "_oamDeleteBoard",
          .what = "one",
          .call = &deleteBoard<false>,

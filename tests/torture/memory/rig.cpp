@@ -16,9 +16,9 @@ namespace {
 // In the quick run so many points of a row are tried, spread evenly with the first and the last.
 constexpr std::size_t kQuickPoints = 24;
 
-std::vector<std::size_t> chosenPoints(std::size_t requests) {
+std::vector<std::size_t> chosenPoints(std::size_t requests, bool all) {
     std::vector<std::size_t> points;
-    if (IsFull() || requests <= kQuickPoints) {
+    if (all || requests <= kQuickPoints) {
         for (std::size_t i = 1; i <= requests; ++i) points.push_back(i);
     } else {
         for (std::size_t i = 0; i < kQuickPoints; ++i) {
@@ -74,7 +74,7 @@ class Rig {
     Figures Run() {
         LearnWithMemory();
         if (::testing::Test::HasFatalFailure()) return figures_;
-        const auto points = chosenPoints(figures_.requests);
+        const auto points = chosenPoints(figures_.requests, IsFull() || row_.isIntricate);
         TryAll(points, Failing::kOnce);
         if (IsFull() || row_.isVital) TryAll(points, Failing::kFromThereOn);
         return figures_;

@@ -76,10 +76,13 @@ class PointerArray {
     }
 
     // For records that must go: without memory for a smaller array the slots are kept.
+    void TakeSurely(int index) noexcept {
+        if (TakeAt(index) != OAM_SUCCESS) CloseGap(index);
+    }
     void RemoveSurely(int index) noexcept {
-        if (RemoveAt(index) == OAM_SUCCESS) return;
-        delete items_[index];
-        CloseGap(index);
+        Record* record = items_[index];
+        TakeSurely(index);
+        delete record;
     }
 
     void RemoveAll() noexcept {

@@ -1,6 +1,7 @@
 #include "board_store.h"
 
 #include <cstdio>
+#include <cstring>
 #include <utility>
 
 #include "board_table.h"
@@ -34,8 +35,16 @@ oam_result createKeywordIfNotExist(unsigned long handle, const char* keyword,
     return _oamDbSetKeyword(handle, keyword, value);
 }
 
-oam_result storeKeywords(unsigned long handle, const char* number) noexcept {
+// A value that cannot be copied is empty, and an empty number is 0, which another board has.
+oam_result storeNumber(unsigned long handle, const char* number) noexcept {
     if (auto failed = _oamDbSetKeyword(handle, "Number", number)) return failed;
+    char stored[oam::kNameSize];
+    if (auto failed = _oamDbGetKeyword(handle, "Number", stored, sizeof stored)) return failed;
+    return strcmp(stored, number) == 0 ? OAM_SUCCESS : OAMERR_NOT_ENOUGH_MEMORY;
+}
+
+oam_result storeKeywords(unsigned long handle, const char* number) noexcept {
+    if (auto failed = storeNumber(handle, number)) return failed;
     for (const KeywordDefault& row : kNewBoard) {
         if (auto failed = createKeywordIfNotExist(handle, row.keyword, row.value)) return failed;
     }

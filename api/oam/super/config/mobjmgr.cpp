@@ -54,7 +54,7 @@ oam_result CMObjMgr::CreateObject(const char* name, const char* product) noexcep
     object = Find(name);  // the plug-in may have removed it
     if (object == nullptr) return result != OAM_SUCCESS ? result : OAMERR_NOT_FOUND;
     if (result == OAM_SUCCESS) result = object->EndCreation();
-    if (result != OAM_SUCCESS && Remove(name) != OAM_SUCCESS) (void)object->EndCreation();
+    if (result != OAM_SUCCESS && RemoveCreated(name) != OAM_SUCCESS) (void)object->EndCreation();
     return result;
 }
 

@@ -95,7 +95,13 @@ oam_result CArrayPtrsToMObject::Remove(const char* name) noexcept {
     return found != nullptr ? RemoveObject(found, name) : OAMERR_NOT_FOUND;
 }
 
-oam_result CArrayPtrsToMObject::RemoveObject(KOR_CMObject* found, const char* name) noexcept {
+oam_result CArrayPtrsToMObject::RemoveCreated(const char* name) noexcept {
+    KOR_CMObject* found = Find(name);
+    return found != nullptr ? RemoveObject(found, name, Slots::kMayStay) : OAMERR_NOT_FOUND;
+}
+
+oam_result CArrayPtrsToMObject::RemoveObject(KOR_CMObject* found, const char* name,
+                                             Slots slots) noexcept {
     if (found->OpenCount() != 0 || found->IsBeingRemoved()) return OAMERR_ACCESS_DENIED;
     // What its kind is asked may come back here: not to remove it a second time.
     found->SetBeingRemoved(true);
@@ -110,7 +116,11 @@ oam_result CArrayPtrsToMObject::RemoveObject(KOR_CMObject* found, const char* na
     if (found->OpenCount() != 0) return OAMERR_ACCESS_DENIED;
     int index;
     if (!FindByName(found->Name(), &index)) return OAMERR_NOT_FOUND;
-    if (auto failed = TakeAt(index)) return failed;
+    if (slots == Slots::kMayStay) {
+        TakeSurely(index);
+    } else if (auto failed = TakeAt(index)) {
+        return failed;
+    }
     const std::unique_ptr<KOR_CMObject> object(found);
     fileNumbers_.Remove(object->DataFileName());
     nextName_ = NextName();

@@ -36,7 +36,10 @@ class CArrayPtrsToMObject : public oam::NamedTable<KOR_CMObject> {
     // OAMERR_NOT_FOUND; OAMERR_ACCESS_DENIED while open, or inside another removal of the object;
     // what the kind's TrapDelete answers.
     // Removes the data file and raises OAMEVN_DELETED.
+    // OAMERR_NOT_ENOUGH_MEMORY, and the object stays, without memory for a smaller array.
     oam_result Remove(const char* name) noexcept;
+    // The same of an object whose creation failed; it goes without memory too.
+    oam_result RemoveCreated(const char* name) noexcept;
     oam_result RemoveFile(const char* name) noexcept;
     // Destroys every object, without traps and alerts.
     // False when a data file that was to be removed is still there.
@@ -65,8 +68,11 @@ class CArrayPtrsToMObject : public oam::NamedTable<KOR_CMObject> {
         int newIndex = 0;
     };
 
+    // What a removal does without memory for a smaller array.
+    enum class Slots { kMustShrink, kMayStay };
     // `name` is what the sink is told in a refusal; null: the object's own.
-    oam_result RemoveObject(KOR_CMObject* found, const char* name) noexcept;
+    oam_result RemoveObject(KOR_CMObject* found, const char* name,
+                            Slots slots = Slots::kMustShrink) noexcept;
     oam_result Close(unsigned long handle, bool trap, ClosedObject* closed) noexcept;
     oam_result ValidateChanges(unsigned long handle, ObjectSaving* saving) noexcept;
     oam_result ReadNewName(KOR_CMObject* object) noexcept;
