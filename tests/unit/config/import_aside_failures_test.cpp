@@ -42,8 +42,6 @@ class FailingCalls : public ImportAside, public testing::WithParamInterface<File
         size_t refused = 0;
         for (size_t point = 0; point < calls.size(); ++point) {
             for (const Decision& failure : torture::FailuresOf(calls[point])) {
-                // Then nothing in the directory can be reached, old or new.
-                if (calls[point] == SYS_access && failure.error == EACCES) continue;
                 const bool isShort = failure.kind == Decision::Kind::kShorten;
                 SCOPED_TRACE(torture::CallName(calls[point]) + (" (call " + std::to_string(point)) +
                              "): " + (isShort ? "half" : strerrorname_np(failure.error)));

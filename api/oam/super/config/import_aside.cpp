@@ -86,6 +86,17 @@ bool syncDirectory(const char* directory) noexcept {
     return ContainingDirectory(inside.Get()).Sync();
 }
 
+// 0, or why it is not seen. One look that fails does not say that there was no import.
+int lookFor(const char* path) noexcept {
+    int error = 0;
+    for (int looks = 0; looks < 2; ++looks) {
+        if (access(path, F_OK) == 0) return 0;
+        error = errno;
+        if (error == ENOENT) break;
+    }
+    return error;
+}
+
 void removeNamed(const char* directory, const char* name) noexcept {
     removeTree(JoinedPath(directory, name).Get());
 }
@@ -131,9 +142,8 @@ bool rollBackImport(const char* directory) noexcept {
     removeNamed(directory, kBeingMade);
     removeNamed(directory, kNoLongerUsed);
     const JoinedPath aside(directory, kAside);
-    // Where looking is forbidden no data file can be reached either; but a failure for a moment does
-    // not say that there was no import.
-    if (access(aside.Get(), F_OK) != 0) return !oam::IsOutOfMeans(errno);
+    // Where looking is forbidden no data file can be reached either.
+    if (const int error = lookFor(aside.Get())) return !oam::IsOutOfMeans(error);
     return removeDataFiles(directory) && linkDataFiles(aside.Get(), directory) &&
            syncDirectory(directory) && dropDataFilesAside(directory);
 }
