@@ -54,4 +54,7 @@ endif()
 # The service and its platform throw nothing: every failure is a code.
 add_library(oam_nothrow INTERFACE)
 target_compile_options(oam_nothrow INTERFACE $<$<COMPILE_LANGUAGE:CXX>:-fno-exceptions>)
+# A few hundred bytes in all, which the loader has room for when a running process opens the library.
+# Otherwise each look at what a thread holds is a call into the loader.
+target_compile_options(oam_nothrow INTERFACE -ftls-model=initial-exec)
 target_link_libraries(oam_nothrow INTERFACE oam_flags oam_counted)

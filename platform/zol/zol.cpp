@@ -28,12 +28,6 @@ void waitFor(unsigned seconds, unsigned milliseconds) {
     }
 }
 
-// Not tolower: in some locales it takes other bytes for letters, and an I for another letter.
-int fold(char letter) {
-    const auto byte = static_cast<unsigned char>(letter);
-    return byte >= 'A' && byte <= 'Z' ? byte - 'A' + 'a' : byte;
-}
-
 }  // namespace
 
 int zolGetKorDir(bool, char* buffer, unsigned size) noexcept {
@@ -71,7 +65,7 @@ int zolStricmp(const char* left, const char* right) noexcept {
         const char other = *right;
         if (one == other) {
             if (one == '\0') return 0;
-        } else if (const int difference = fold(one) - fold(other)) {
+        } else if (const int difference = zolFold(one) - zolFold(other)) {
             return difference;
         }
     }
@@ -85,7 +79,7 @@ int zolStrnicmp(const char* left, const char* right, unsigned long count) noexce
         const char other = *right;
         if (one == other) {
             if (one == '\0') return 0;
-        } else if (const int difference = fold(one) - fold(other)) {
+        } else if (const int difference = zolFold(one) - zolFold(other)) {
             return difference;
         }
     }

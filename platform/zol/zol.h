@@ -21,6 +21,13 @@ ZOL_API unsigned zolGetFunctionAddr(void* library, const char* name, void** addr
 ZOL_API void zolSleep(unsigned seconds) noexcept;
 ZOL_API void zolSleepMs(unsigned milliseconds) noexcept;
 
+// How zolStricmp takes a character: A to Z as a to z. Not tolower: in some locales it takes other
+// bytes for letters, and an I for another letter.
+inline int zolFold(char letter) noexcept {
+    const auto byte = static_cast<unsigned char>(letter);
+    return byte >= 'A' && byte <= 'Z' ? byte - 'A' + 'a' : byte;
+}
+
 // As strcmp and strncmp with the letters A to Z taken as a to z, whatever the locale; bytes above
 // 127 compare by their unsigned value. A null text is the empty text.
 ZOL_API int zolStricmp(const char* left, const char* right) noexcept;

@@ -19,7 +19,7 @@ class OwnedText {
     OwnedText& operator=(OwnedText&& other) noexcept;
     OwnedText(const OwnedText&) = delete;
     OwnedText& operator=(const OwnedText&) = delete;
-    ~OwnedText();
+    ~OwnedText() { delete[] text_; }
 
     // Frees the old text first. Null stays null and is no failure; false when there is no memory
     // (the text is then null).

@@ -24,7 +24,11 @@ class CKeyword {
     };
     explicit CKeyword(const Lent& texts) noexcept
         : lentName_(texts.name), lentValue_(texts.value) {}
-    void operator delete(CKeyword* keyword, std::destroying_delete_t) noexcept;
+    void operator delete(CKeyword* keyword, std::destroying_delete_t) noexcept {
+        const bool isLent = keyword->lentName_ != nullptr;
+        keyword->~CKeyword();
+        if (!isLent) ::operator delete(keyword);
+    }
 
     const char* Name() const noexcept { return lentName_ != nullptr ? lentName_ : name_.OrEmpty(); }
     // Null when it was never set, or set to null.
@@ -53,7 +57,11 @@ class KeywordBlock {
     char* MakeText(size_t length) noexcept;
     char* Text() const noexcept { return text_.get(); }
     // Texts within the block's own. False without memory.
-    bool Add(const char* name, const char* value) noexcept;
+    bool Add(const char* name, const char* value) noexcept {
+        if (count_ == room_ && !Grow()) return false;
+        new (At(count_++)) CKeyword(CKeyword::Lent{name, value});
+        return true;
+    }
     int Count() const noexcept { return count_; }
     CKeyword* At(int index) const noexcept {
         return reinterpret_cast<CKeyword*>(records_.get()) + index;

@@ -17,8 +17,6 @@ OwnedText& OwnedText::operator=(OwnedText&& other) noexcept {
     return *this;
 }
 
-OwnedText::~OwnedText() { delete[] text_; }
-
 bool OwnedText::Assign(const char* text) noexcept {
     if (text != nullptr) return Assign(std::string_view(text));
     delete[] Release();

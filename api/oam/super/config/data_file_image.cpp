@@ -4,6 +4,8 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <bit>
+#include <cstdint>
 #include <cstring>
 #include <string_view>
 
@@ -25,9 +27,11 @@ bool isWhite(char character) noexcept {
 }
 
 // What the reader takes as it stands: nothing to trim, no mark of another kind of tag.
-bool isPlainTag(std::string_view tag) noexcept {
-    return !tag.empty() && tag.size() <= kMostInToken && !isWhite(tag.front()) &&
-           !isWhite(tag.back()) && tag.front() != '?' && tag.front() != '!' && tag.front() != '/';
+inline bool isPlainTag(std::string_view tag) noexcept {
+    if (tag.empty() || tag.size() > kMostInToken || isWhite(tag.back())) return false;
+    const char first = tag.front();
+    // Nearly every one; and of what lies below, white space and the marks.
+    return first > '?' || (!isWhite(first) && first != '?' && first != '!' && first != '/');
 }
 
 // A backslash is a place in the reader's path.
@@ -35,13 +39,28 @@ bool hasBackslash(std::string_view text) noexcept {
     return memchr(text.data(), '\\', text.size()) != nullptr;
 }
 
-// What both begin with is passed in words: names that follow each other have much in common.
-bool isAscending(std::string_view before, std::string_view after) noexcept {
-    const size_t shorter = std::min(before.size(), after.size());
+// Where two texts that a NUL ends first differ, found in words: names that follow each other have
+// much in common. Of both sizes the smaller one when there is no such place.
+size_t firstDifference(std::string_view one, std::string_view other) noexcept {
+    const size_t shorter = std::min(one.size(), other.size());
     size_t same = 0;
-    while (same + 8 <= shorter && memcmp(before.data() + same, after.data() + same, 8) == 0) {
-        same += 8;
+    for (; same + sizeof(uint64_t) <= shorter; same += sizeof(uint64_t)) {
+        uint64_t left;
+        uint64_t right;
+        memcpy(&left, one.data() + same, sizeof left);
+        memcpy(&right, other.data() + same, sizeof right);
+        if (left == right) continue;
+        if constexpr (std::endian::native != std::endian::little) break;
+        return same + static_cast<size_t>(std::countr_zero(left ^ right)) / 8;
     }
+    while (same < shorter && one[same] == other[same]) ++same;
+    return same;
+}
+
+bool isAscending(std::string_view before, std::string_view after) noexcept {
+    const size_t same = firstDifference(before, after);
+    const int difference = zolFold(before.data()[same]) - zolFold(after.data()[same]);
+    if (difference != 0) return difference < 0;
     return zolStricmp(before.data() + same, after.data() + same) < 0;
 }
 

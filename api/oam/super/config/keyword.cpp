@@ -9,12 +9,6 @@ CKeyword::CKeyword(const char* name, const char* value) noexcept {
     (void)value_.Assign(value);
 }
 
-void CKeyword::operator delete(CKeyword* keyword, std::destroying_delete_t) noexcept {
-    const bool isLent = keyword->lentName_ != nullptr;
-    keyword->~CKeyword();
-    if (!isLent) ::operator delete(keyword);
-}
-
 void CKeyword::SetValue(const char* value) noexcept {
     lentValue_ = nullptr;
     (void)value_.Assign(value);
@@ -29,13 +23,6 @@ char* KeywordBlock::MakeText(size_t length) noexcept {
     text_.reset(new (std::nothrow) char[length + 1]);
     length_ = length;
     return text_.get();
-}
-
-bool KeywordBlock::Add(const char* name, const char* value) noexcept {
-    if (count_ == room_ && !Grow()) return false;
-    new (At(count_)) CKeyword(CKeyword::Lent{name, value});
-    ++count_;
-    return true;
 }
 
 // A line of a data file has some forty characters.
