@@ -20,10 +20,14 @@ struct Content {
 
 class DataFileImageTest : public ConfigRoom {
   protected:
+    bool ReadFile(const std::string& name, DataFileImage* image) {
+        return image->Open(home.Path("oam/cfg/" + name).c_str()) && image->Read();
+    }
+
     bool ReadFast(const std::string& bytes, Content* content) {
         home.WriteDataFile("Obj0.xmo", bytes);
         DataFileImage image;
-        if (!image.Read(home.Path("oam/cfg/Obj0.xmo").c_str())) return false;
+        if (!ReadFile("Obj0.xmo", &image)) return false;
         content->object = image.ObjectName();
         for (int i = 0; i < image.Keywords()->Count(); ++i) {
             const CKeyword* keyword = image.Keywords()->At(i);
@@ -115,10 +119,10 @@ TEST_F(DataFileImageTest, ReadsMoreKeywordsThanExpectedOfTheSize) {
 TEST_F(DataFileImageTest, IsNotHeldUpByWhatIsNoFile) {
     DataFileImage image;
     home.MakeDirectory("oam/cfg/Obj0.xmo");
-    EXPECT_FALSE(image.Read(home.Path("oam/cfg/Obj0.xmo").c_str()));
-    EXPECT_FALSE(image.Read(home.Path("oam/cfg/Missing.xmo").c_str()));
+    EXPECT_FALSE(ReadFile("Obj0.xmo", &image));
+    EXPECT_FALSE(ReadFile("Missing.xmo", &image));
     ASSERT_EQ(mkfifo(home.Path("oam/cfg/Pipe.xmo").c_str(), 0600), 0);
-    EXPECT_FALSE(image.Read(home.Path("oam/cfg/Pipe.xmo").c_str()));
+    EXPECT_FALSE(ReadFile("Pipe.xmo", &image));
 }
 
 }  // namespace

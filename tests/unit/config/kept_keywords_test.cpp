@@ -52,6 +52,21 @@ TEST_F(KeptKeywordsTest, AreKeptOfAFileThatIsOldEnough) {
     EXPECT_TRUE(IsKept());
 }
 
+TEST_F(KeptKeywordsTest, AreOpenedWithAsFoundWhileTheyAreTrusted) {
+    Write("1");
+    LetItAge();
+    EXPECT_EQ(ReadOnce(), "1");
+    Write("another");
+    {
+        const KeptKeywords::Trust trust;
+        EXPECT_EQ(ReadOnce(), "1");
+    }
+    EXPECT_EQ(ReadOnce(), "another");
+    const KeptKeywords::Trust trust;
+    object.DropKept();
+    EXPECT_EQ(ReadOnce(), "another") << "nothing is kept, so the file is read";
+}
+
 TEST_F(KeptKeywordsTest, AreNotKeptOfAFileThatWasWrittenJustNow) {
     // Unless the machine is so slow that it is old when it is read.
     for (int attempt = 0; attempt < 100; ++attempt) {

@@ -7,6 +7,10 @@
 oam_result ConfigInit() noexcept;
 void ConfigExit() noexcept;
 
+// As _oamDbOpenObject for reading, while the service starts: an object whose file the start has just
+// read opens with what it found there, without another look at the file.
+oam_result DbOpenObjectAsFound(const char* name, unsigned long* handle) noexcept;
+
 // Creates an object whose kind follows from its name (".bpi", ".emc", "Supervisor", or a board);
 // product may be null. OAMERR_ALREADY_EXISTS.
 oam_result CreateObject(const char* name, const char* product) noexcept;

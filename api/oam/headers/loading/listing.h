@@ -2,6 +2,7 @@
 #pragma once
 
 #include <dirent.h>
+#include <sys/stat.h>
 
 namespace oam {
 
@@ -31,5 +32,8 @@ void ListingHeader(const char* title) noexcept;
 // One file's line: name, size, time and permissions to the debug sink, and "=> Loading ..." as an
 // alert of the source. A file that cannot be looked at is told to the debug sink only.
 void AnnounceFile(const char* source, const char* path, const char* fileName) noexcept;
+// The same of a file that has been looked at.
+void AnnounceFile(const char* source, const char* path, const char* fileName,
+                  const struct stat& status) noexcept;
 
 }  // namespace oam

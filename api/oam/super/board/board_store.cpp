@@ -6,6 +6,7 @@
 
 #include "board_table.h"
 #include "doors/alert.h"
+#include "doors/config.h"
 #include "oam/shadow.h"
 #include "product.h"
 #include "shadow_writer.h"
@@ -106,7 +107,7 @@ oam_result readBoard(unsigned long handle, const CPlugin** plugin, BoardValues* 
 
 oam_result boardIDsAddObjectFromDb(const char* name) noexcept {
     unsigned long handle;
-    if (auto failed = _oamDbOpenObject(name, &handle, OAM_OPEN_READ)) return failed;
+    if (auto failed = DbOpenObjectAsFound(name, &handle)) return failed;
     const CPlugin* plugin = nullptr;
     BoardValues values;
     const oam_result read = readBoard(handle, &plugin, &values);

@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <cstring>
 #include <string_view>
+#include <utility>
 
 #include "xmo_path.h"
 #include "xmo_writer.h"
@@ -100,41 +101,38 @@ class Rest {
     char* const end_;
 };
 
-class OpenFile {
-  public:
-    explicit OpenFile(const char* path) noexcept
-        : descriptor_(open(path, O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY)) {}
-    ~OpenFile() {
-        if (descriptor_ >= 0) close(descriptor_);
-    }
-    OpenFile(const OpenFile&) = delete;
-    OpenFile& operator=(const OpenFile&) = delete;
-    int Get() const noexcept { return descriptor_; }
-
-  private:
-    const int descriptor_;
-};
-
 }  // namespace
 
-bool DataFileImage::Read(const char* path) noexcept {
-    return ReadText(path) && Split(keywords_.Text(), length_);
+DataFileImage::~DataFileImage() { Close(); }
+
+void DataFileImage::Close() noexcept {
+    if (descriptor_ >= 0) close(std::exchange(descriptor_, -1));
+}
+
+bool DataFileImage::Open(const char* path) noexcept {
+    Close();
+    descriptor_ = open(path, O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
+    if (descriptor_ < 0) return false;
+    if (fstat(descriptor_, &status_) == 0) return true;
+    Close();
+    return false;
+}
+
+bool DataFileImage::Read() noexcept {
+    const bool isRead = ReadText();
+    Close();
+    return isRead && Split(keywords_.Text(), length_);
 }
 
 // A file that grows or shrinks meanwhile is nothing for this reader.
-bool DataFileImage::ReadText(const char* path) noexcept {
-    const OpenFile file(path);
-    struct stat status;
-    if (file.Get() < 0 || fstat(file.Get(), &status) != 0 || !S_ISREG(status.st_mode) ||
-        status.st_size > kMostBytes) {
-        return false;
-    }
-    identity_ = oam::FileIdentity::Of(status);
-    length_ = static_cast<size_t>(status.st_size);
+bool DataFileImage::ReadText() noexcept {
+    if (descriptor_ < 0 || !S_ISREG(status_.st_mode) || status_.st_size > kMostBytes) return false;
+    identity_ = oam::FileIdentity::Of(status_);
+    length_ = static_cast<size_t>(status_.st_size);
     char* text = keywords_.MakeText(length_);
     if (text == nullptr) return false;
     // One more than there should be.
-    if (read(file.Get(), text, length_ + 1) != status.st_size) return false;
+    if (read(descriptor_, text, length_ + 1) != status_.st_size) return false;
     text[length_] = '\0';
     return memchr(text, '\0', length_) == nullptr;
 }

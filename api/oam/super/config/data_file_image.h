@@ -8,9 +8,18 @@
 
 class DataFileImage {
   public:
-    // True: the file is valid, its keywords are in ascending order, each with a name that may stand
-    // in an object.
-    bool Read(const char* path) noexcept;
+    DataFileImage() noexcept = default;
+    ~DataFileImage();
+    DataFileImage(const DataFileImage&) = delete;
+    DataFileImage& operator=(const DataFileImage&) = delete;
+
+    // False when it cannot be opened and looked at.
+    bool Open(const char* path) noexcept;
+    // What the look showed.
+    const struct stat& Status() const noexcept { return status_; }
+    // Of an open file, and closes it. True: the file is valid, its keywords are in ascending order,
+    // each with a name that may stand in an object.
+    bool Read() noexcept;
 
     const char* ObjectName() const noexcept { return name_; }
     // Unknown when the file changed shortly before.
@@ -18,9 +27,12 @@ class DataFileImage {
     KeywordBlock* Keywords() noexcept { return &keywords_; }
 
   private:
-    bool ReadText(const char* path) noexcept;
+    bool ReadText() noexcept;
     bool Split(char* text, size_t length) noexcept;
+    void Close() noexcept;
 
+    int descriptor_ = -1;
+    struct stat status_ {};
     KeywordBlock keywords_;
     size_t length_ = 0;
     const char* name_ = "";

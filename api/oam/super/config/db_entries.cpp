@@ -7,6 +7,8 @@
 #include "base/flags.h"
 #include "config_running.h"
 #include "doors/alert.h"
+#include "doors/config.h"
+#include "kept_keywords.h"
 #include "mobjmgr.h"
 #include "open_objects.h"
 #include "retried_open.h"
@@ -46,6 +48,14 @@ oam_result _oamDbOpenObject(const char* name, unsigned long* handle, unsigned mo
     if (handle == nullptr) return OAMERR_NOT_FOUND;
     return openRetried(kInternalAttempts, [=] {
         return objMgr().DbOpenObject(OAM_INTERNAL_CLIENT, name, handle, mode);
+    });
+}
+
+oam_result DbOpenObjectAsFound(const char* name, unsigned long* handle) noexcept {
+    if (!s_bConfigIsRunning) return OAMERR_SERVER_NOT_RUNNING;
+    return openRetried(kInternalAttempts, [=] {
+        const KeptKeywords::Trust trust;
+        return objMgr().DbOpenObject(OAM_INTERNAL_CLIENT, name, handle, OAM_OPEN_READ);
     });
 }
 

@@ -21,6 +21,10 @@ void KeptKeywords::Remove(KOR_CMObject* object) noexcept {
     *link = {};
 }
 
+KeptKeywords::Trust::Trust() noexcept { ++keptKeywords().trusts_; }
+
+KeptKeywords::Trust::~Trust() { --keptKeywords().trusts_; }
+
 KeptKeywords& keptKeywords() noexcept {
     static oam::Forever<KeptKeywords> kept;
     return kept.Get();

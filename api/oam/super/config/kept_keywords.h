@@ -15,9 +15,20 @@ class KeptKeywords {
     void Remove(KOR_CMObject* object) noexcept;
     size_t Bytes() const noexcept { return bytes_; }
 
+    // While one lives, what an object keeps is what it opens with, without a look at its file.
+    class Trust {
+      public:
+        Trust() noexcept;
+        ~Trust();
+        Trust(const Trust&) = delete;
+        Trust& operator=(const Trust&) = delete;
+    };
+    bool AreTrusted() const noexcept { return trusts_ != 0; }
+
   private:
     KeptLink ends_{&ends_, &ends_, nullptr, 0};  // of a ring: after it the first that was closed
     size_t bytes_ = 0;
+    int trusts_ = 0;
 };
 
 KeptKeywords& keptKeywords() noexcept;

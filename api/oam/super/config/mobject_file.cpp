@@ -45,14 +45,14 @@ oam_result KOR_CMObject::Load() noexcept {
     DataFilePath path;
     if (auto failed = BuildPath(&path)) return failed;
     if (kept_.object != nullptr) {
-        if (IsUnchanged(path.text)) {
+        if (keptKeywords().AreTrusted() || IsUnchanged(path.text)) {
             keptKeywords().Remove(this);
             return OAM_SUCCESS;
         }
         DropKept();
     }
     DataFileImage image;
-    if (keywords_.Count() == 0 && image.Read(path.text) &&
+    if (keywords_.Count() == 0 && image.Open(path.text) && image.Read() &&
         strcmp(image.ObjectName(), Name()) == 0 && keywords_.Adopt(image.Keywords())) {
         loadedFrom_ = image.Identity();
         return OAM_SUCCESS;

@@ -40,8 +40,8 @@ class CMObjMgr : public CArrayPtrsToMObject {
     oam_result ScanDataFiles(const char* directory) noexcept;
     oam_result LoadDataFile(const char* path, const char* fileName) noexcept;
     // Both leave *loaded false when the file was rejected, or (the first) is for the second.
-    oam_result LoadWhole(const char* path, const char* fileName, bool* isWhole,
-                         bool* loaded) noexcept;
+    oam_result LoadWhole(DataFileImage* image, const char* path, const char* fileName,
+                         bool* isWhole, bool* loaded) noexcept;
     oam_result LoadInSteps(const char* path, const char* fileName, bool* loaded) noexcept;
     oam_result CheckLoading(const char* path, const char* fileName, const char* object,
                             bool* loaded) noexcept;

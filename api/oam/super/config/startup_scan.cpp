@@ -25,6 +25,7 @@ using oam::kPathSize;
 namespace {
 
 constexpr char kDataFileExtension[] = ".xmo";
+constexpr char kSource[] = "Config";
 
 oam_result joinPath(const char* directory, const char* fileName, char (&path)[kPathSize]) noexcept {
     const int length = snprintf(path, sizeof path, "%s/%s", directory, fileName);
@@ -96,7 +97,6 @@ oam_result CMObjMgr::ScanDataFiles(const char* directory) noexcept {
     for (; fileName != nullptr; fileName = listing.Next(kDataFileExtension)) {
         char path[kPathSize];
         if (auto failed = joinPath(directory, fileName, path)) return failed;
-        oam::AnnounceFile("Config", path, fileName);
         const oam_result loaded = LoadDataFile(path, fileName);
         if (loaded != OAM_SUCCESS) {
             DebugOutput("\n");
@@ -109,32 +109,37 @@ oam_result CMObjMgr::ScanDataFiles(const char* directory) noexcept {
 
 // 0 also when the file was rejected; a failure stops the scan.
 oam_result CMObjMgr::LoadDataFile(const char* path, const char* fileName) noexcept {
+    DataFileImage image;
+    if (image.Open(path)) {
+        oam::AnnounceFile(kSource, path, fileName, image.Status());
+    } else {
+        oam::AnnounceFile(kSource, path, fileName);
+    }
     bool isWhole = false;
     bool loaded = false;
-    if (auto failed = LoadWhole(path, fileName, &isWhole, &loaded)) return failed;
+    if (auto failed = LoadWhole(&image, path, fileName, &isWhole, &loaded)) return failed;
     if (!isWhole) {
         if (auto failed = LoadInSteps(path, fileName, &loaded)) return failed;
     }
-    if (loaded) (void)AlertNotify(OAMEVN_ALERT, OAM_INFORMATION, "Config", "%s DONE", fileName);
+    if (loaded) (void)AlertNotify(OAMEVN_ALERT, OAM_INFORMATION, kSource, "%s DONE", fileName);
     return OAM_SUCCESS;
 }
 
 // Name and check from one reading, for a file as the writer writes it; any other is not judged.
-oam_result CMObjMgr::LoadWhole(const char* path, const char* fileName, bool* isWhole,
-                               bool* loaded) noexcept {
-    DataFileImage image;
-    if (!image.Read(path)) return OAM_SUCCESS;
-    const oam_result inserted = Insert(image.ObjectName(), fileName);
+oam_result CMObjMgr::LoadWhole(DataFileImage* image, const char* path, const char* fileName,
+                               bool* isWhole, bool* loaded) noexcept {
+    if (!image->Read()) return OAM_SUCCESS;
+    const oam_result inserted = Insert(image->ObjectName(), fileName);
     if (inserted == OAMERR_ALREADY_EXISTS) return OAM_SUCCESS;  // found and told in steps, too
     if (inserted != OAM_SUCCESS) return inserted;
-    KOR_CMObject* object = Find(image.ObjectName());
+    KOR_CMObject* object = Find(image->ObjectName());
     *isWhole = *loaded = true;
     // Some kinds of object choose their file, or spell their name, themselves.
-    if (strcmp(object->Name(), image.ObjectName()) != 0 ||
+    if (strcmp(object->Name(), image->ObjectName()) != 0 ||
         strcmp(object->DataFileName(), fileName) != 0) {
         return CheckLoading(path, fileName, object->Name(), loaded);
     }
-    object->KeepFrom(&image);
+    object->KeepFrom(image);
     return OAM_SUCCESS;
 }
 

@@ -57,6 +57,11 @@ void AnnounceFile(const char* source, const char* path, const char* fileName) no
         DebugOutput("Can't get file info for \"%s\"\n", path);
         return;
     }
+    AnnounceFile(source, path, fileName, status);
+}
+
+void AnnounceFile(const char* source, const char* path, const char* fileName,
+                  const struct stat& status) noexcept {
     const long size = static_cast<long>(status.st_size);
     const char* modified = timeText(status.st_mtime);
     DebugOutput("%-12s %7ld  %.24s  ", fileName, size, modified);
