@@ -46,6 +46,7 @@ uint64_t checksumOf(uint64_t length, const unsigned char* image) {
     for (; length - i >= sizeof sums; i += sizeof sums) {
         uint64_t words[4];
         std::memcpy(words, image + i, sizeof words);
+#pragma GCC unroll 4
         for (int k = 0; k < 4; ++k) sums[k] = (sums[k] ^ words[k]) * kPrime;
     }
     uint64_t sum = kStart;
@@ -119,9 +120,10 @@ size_t CKorStreamSharedMemory::Size() const noexcept { return segment_.Size(); }
 
 bool CKorStreamSharedMemory::Replace(const void* image, size_t size) noexcept {
     if (size > segment_.Size() || !segment_.IsWhole()) return false;
-    Recover();
     Journal* journal = FindJournal();
     if (journal == nullptr) return false;
+    // Before it is written over: what another process has left unfinished.
+    Recover(journal);
     journal->Mark(Journal::kIdle);
     if (size > 0) std::memcpy(journal->Image(), image, size);
     journal->length = size;
@@ -132,11 +134,11 @@ bool CKorStreamSharedMemory::Replace(const void* image, size_t size) noexcept {
 }
 
 void CKorStreamSharedMemory::Recover() noexcept {
-    Journal* journal = FindJournal();
-    if (journal == nullptr ||
-        journal->state.load(std::memory_order_acquire) != Journal::kComplete) {
-        return;
-    }
+    if (Journal* journal = FindJournal()) Recover(journal);
+}
+
+void CKorStreamSharedMemory::Recover(Journal* journal) noexcept {
+    if (journal->state.load(std::memory_order_acquire) != Journal::kComplete) return;
     const uint64_t length = journal->length;
     if (length > segment_.Size() || !segment_.IsWhole() ||
         journal->checksum != checksumOf(length, journal->Image())) {

@@ -75,6 +75,7 @@ class KOR_API CKorStreamSharedMemory : public CKorStream {
     struct Journal;
 
     Journal* FindJournal() noexcept;
+    void Recover(Journal* journal) noexcept;
     void Finish(Journal* journal, size_t size) noexcept;
 
     KorSharedFile segment_;

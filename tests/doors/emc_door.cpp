@@ -13,6 +13,8 @@ const char* EmcsGetAt(int index) noexcept { return Doors::The().ListAt("Emcs", i
 
 const char* EmcGetText(unsigned) noexcept { return nullptr; }
 
+bool EmcReceivesAlerts() noexcept { return true; }
+
 oam_result EmcAlertReceive(const oam_msg_tag* message) noexcept {
     return Doors::The().Call("EmcAlertReceive", oamMessageText(message));
 }

@@ -1,6 +1,9 @@
 // The service's frame: start, stop, clients, and the names of the codes. Nothing here locks; the
 // lifecycle calls run alone.
 
+#include <algorithm>
+#include <array>
+
 #include "base/database_lock.h"
 #include "base/flags.h"
 #include "base/path.h"
@@ -38,11 +41,16 @@ struct CodeName {
     const char* name;
 };
 
-constexpr CodeName kCodeNames[] = {
-#define OAM_CODE(name, value) {value, #name},
+// In the codes' order.
+constexpr auto kCodeNames = [] {
+    std::array names = {
+#define OAM_CODE(name, value) CodeName{value, #name},
 #include "oam/codes.def"
 #undef OAM_CODE
-};
+    };
+    std::ranges::sort(names, {}, &CodeName::code);
+    return names;
+}();
 
 void writeStartLine(const char* text) noexcept {
     (void)AlertNotify(OAMEVN_ALERT, OAM_INFORMATION, kSource, "%s", text);
@@ -122,9 +130,8 @@ oam_result _oamClientExit(unsigned long client) noexcept {
 }
 
 const char* _oamGetText(unsigned code) noexcept {
-    for (const CodeName& row : kCodeNames) {
-        if (row.code == code) return row.name;
-    }
+    const auto* row = std::ranges::lower_bound(kCodeNames, code, {}, &CodeName::code);
+    if (row != kCodeNames.end() && row->code == code) return row->name;
     if (const char* text = EmcGetText(code)) return text;
     return BoardCommGetText(code);
 }

@@ -49,6 +49,8 @@ const char* EmcGetText(unsigned code) noexcept {
     return text;
 }
 
+bool EmcReceivesAlerts() noexcept { return s_bEmcCommIsRunning && !components().IsEmpty(); }
+
 oam_result EmcAlertReceive(const oam_msg_tag* message) noexcept {
     if (!s_bEmcCommIsRunning) return OAM_SUCCESS;
     oam::LastFailure result;

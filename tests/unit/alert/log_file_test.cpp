@@ -14,7 +14,7 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
-class LogStream : public AlertRoom {
+class AlertLog : public AlertRoom {
   protected:
     oam_result Begin(const std::string& relative) {
         return AlertLogFileBeg(home.Path(relative).c_str());
@@ -29,32 +29,32 @@ class LogStream : public AlertRoom {
     }
 };
 
-TEST_F(LogStream, StartsAndStopsWithALine) {
+TEST_F(AlertLog, StartsAndStopsWithALine) {
     OpenLog();
     EXPECT_EQ(Log(), kLoggingStart) << "also before it is closed";
     EXPECT_EQ(AlertLogFileEnd(), OAM_SUCCESS);
     EXPECT_EQ(Log(), std::string(kLoggingStart) + kLoggingStop);
 }
 
-TEST_F(LogStream, BackupHasTheExtensionReplaced) {
+TEST_F(AlertLog, BackupHasTheExtensionReplaced) {
     EXPECT_THAT(NamesAfter("log", "trace.old.log"), ElementsAre("trace.old.bak", "trace.old.log"));
     EXPECT_EQ(home.Read("log/trace.old.bak"), "old");
 }
 
-TEST_F(LogStream, BackupOfANameWithoutExtensionGetsOne) {
+TEST_F(AlertLog, BackupOfANameWithoutExtensionGetsOne) {
     EXPECT_THAT(NamesAfter("log", "trace"), ElementsAre("trace", "trace.bak"));
 }
 
-TEST_F(LogStream, DotInADirectoryNameDoesNotCount) {
+TEST_F(AlertLog, DotInADirectoryNameDoesNotCount) {
     EXPECT_THAT(NamesAfter("a.b/oam/log", "startup"), ElementsAre("startup", "startup.bak"));
     EXPECT_EQ(home.Read("a.b/oam/log/startup.bak"), "old");
 }
 
-TEST_F(LogStream, NameThatEndsInADotLosesNothing) {
+TEST_F(AlertLog, NameThatEndsInADotLosesNothing) {
     EXPECT_THAT(NamesAfter("log", "trace."), ElementsAre("trace.", "trace.bak"));
 }
 
-TEST_F(LogStream, KeepsExactlyOneGeneration) {
+TEST_F(AlertLog, KeepsExactlyOneGeneration) {
     for (const char* content : {"first", "second"}) {
         home.Write("oam/log/test.log", content);
         OpenLog();
@@ -64,7 +64,7 @@ TEST_F(LogStream, KeepsExactlyOneGeneration) {
     EXPECT_THAT(home.List("oam/log"), ElementsAre("test.bak", "test.log"));
 }
 
-TEST_F(LogStream, PathWithoutAnySlashIsAFileHere) {
+TEST_F(AlertLog, PathWithoutAnySlashIsAFileHere) {
     const std::string before = std::filesystem::current_path();
     std::filesystem::current_path(home.Path("oam/log"));
     home.Write("oam/log/plain.x", "old");
@@ -74,7 +74,7 @@ TEST_F(LogStream, PathWithoutAnySlashIsAFileHere) {
     EXPECT_THAT(home.List("oam/log"), ElementsAre("plain.bak", "plain.x"));
 }
 
-TEST_F(LogStream, IsOneAtATime) {
+TEST_F(AlertLog, IsOneAtATime) {
     OpenLog();
     home.Write("oam/log/other.log", "old");
     EXPECT_EQ(Begin("oam/log/other.log"), OAMERR_ALREADY_EXISTS);
@@ -82,12 +82,12 @@ TEST_F(LogStream, IsOneAtATime) {
     EXPECT_EQ(home.Read("oam/log/other.log"), "old");
 }
 
-TEST_F(LogStream, ThatCannotBeMadeIsAWriteError) {
+TEST_F(AlertLog, ThatCannotBeMadeIsAWriteError) {
     EXPECT_EQ(Begin("nowhere/test.log"), OAMERR_FILE_WRITE_ERROR);
     EXPECT_EQ(AlertLogFileEnd(), OAMERR_NOT_FOUND);
 }
 
-TEST_F(LogStream, PathIsLimitedTo259CharactersWithItsBackup) {
+TEST_F(AlertLog, PathIsLimitedTo259CharactersWithItsBackup) {
     const std::string directory = home.Path("oam/log/");
     const std::string longest(255 - directory.size(), 'x');
     EXPECT_EQ(AlertLogFileBeg((directory + longest).c_str()), OAM_SUCCESS);
@@ -96,9 +96,9 @@ TEST_F(LogStream, PathIsLimitedTo259CharactersWithItsBackup) {
     EXPECT_EQ(AlertLogFileEnd(), OAMERR_NOT_FOUND);
 }
 
-TEST_F(LogStream, NothingOpenCannotBeClosed) { EXPECT_EQ(AlertLogFileEnd(), OAMERR_NOT_FOUND); }
+TEST_F(AlertLog, NothingOpenCannotBeClosed) { EXPECT_EQ(AlertLogFileEnd(), OAMERR_NOT_FOUND); }
 
-TEST_F(LogStream, FailedCloseClosesAllTheSame) {
+TEST_F(AlertLog, FailedCloseClosesAllTheSame) {
     OpenLog();
     {
         const FileSizeLimit limit(home.Read("oam/log/test.log").size());
@@ -108,9 +108,9 @@ TEST_F(LogStream, FailedCloseClosesAllTheSame) {
     OpenLog();
 }
 
-TEST_F(LogStream, WritingWithoutALogIsNoFailure) {
+TEST_F(AlertLog, WritingWithoutALogIsNoFailure) {
     bool called = false;
-    EXPECT_EQ(alertLog().Write([&](FILE*) {
+    EXPECT_EQ(alertLog().Write([&](::LogStream&) {
         called = true;
         return OAMERR_FILE_WRITE_ERROR;
     }),
@@ -119,7 +119,7 @@ TEST_F(LogStream, WritingWithoutALogIsNoFailure) {
     EXPECT_FALSE(alertLog().IsOpen());
 }
 
-TEST_F(LogStream, OutlivesTheAlertSystem) {
+TEST_F(AlertLog, OutlivesTheAlertSystem) {
     OpenLog();
     EXPECT_EQ(AlertInit(), OAM_SUCCESS);
     AlertExit();

@@ -13,6 +13,8 @@ const char* EmcsGetAt(int index) noexcept;
 
 // Null when no component knows the code.
 const char* EmcGetText(unsigned code) noexcept;
+// Whether there is any component to receive alerts.
+bool EmcReceivesAlerts() noexcept;
 // The last failure of a component.
 oam_result EmcAlertReceive(const oam_msg_tag* message) noexcept;
 

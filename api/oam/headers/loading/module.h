@@ -85,6 +85,8 @@ class ModuleTable : private NamedTable<Module<Entries>> {
         count_.store(0, std::memory_order_release);
     }
 
+    // Asked for each alert, so without the lock.
+    bool IsEmpty() const noexcept { return count_.load(std::memory_order_acquire) == 0; }
     int Count() const noexcept {
         KorGuard hold(lock_);
         return NamedTable<Record>::Count();

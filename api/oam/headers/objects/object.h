@@ -17,6 +17,7 @@
 
 class CXmlExport;
 class DataFileImage;
+class DurableFile;
 class ObjectSaving;
 class KOR_CMObject;
 
@@ -147,7 +148,7 @@ class KOR_CMObject {
     bool IsUnchanged(const char* path) const noexcept;
     oam_result ReadFile(const char* path) noexcept;
     oam_result LoadKeyword(const char* name, const char* value) noexcept;
-    oam_result WriteFile(const char* path, bool sync) noexcept;
+    oam_result WriteFile(DurableFile* file, bool sync) noexcept;
 
     oam::OwnedText name_;
     oam::OwnedText dataFileName_;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <cstdio>
 #include <iterator>
 #include <string_view>
 
@@ -46,9 +47,7 @@ class Line {
 
     // Otherwise it is to be written in pieces.
     bool Fits() const noexcept { return fits_; }
-    bool WriteTo(FILE* stream) const noexcept {
-        return fwrite_unlocked(text_, 1, length_, stream) == length_;
-    }
+    std::string_view Text() const noexcept { return {text_, length_}; }
 
   private:
     char text_[1024];
@@ -56,30 +55,30 @@ class Line {
     bool fits_ = true;
 };
 
+// One record's way into the log.
 class TraceStream {
   public:
-    explicit TraceStream(FILE* stream) noexcept : stream_(stream) {}
+    explicit TraceStream(LogStream& log) noexcept : log_(log) {}
     ~TraceStream() {
-        if (fflush_unlocked(stream_) != 0) rewind(stream_);
+        if (isCut_) log_.Rewind();
     }
+    TraceStream(const TraceStream&) = delete;
+    TraceStream& operator=(const TraceStream&) = delete;
 
-    void Checked(const Line& line) noexcept {
-        if (!line.WriteTo(stream_)) rewind(stream_);
+    // Rewinds a log that cannot be written: at once, or behind the record.
+    void Checked(std::string_view text) noexcept {
+        if (!log_.Put(text)) log_.Rewind();
     }
-
-    template <class... Values>
-    void Checked(const char* format, Values... values) noexcept {
-        if (fprintf(stream_, format, values...) < 0) rewind(stream_);
-    }
-    void Text(const char* text) noexcept { (void)fputs(text, stream_); }
+    void Text(std::string_view text) noexcept { isCut_ = !log_.Put(text) || isCut_; }
 
   private:
-    FILE* stream_;
+    LogStream& log_;
+    bool isCut_ = false;
 };
 
 oam_result writeTrace(const oam_msg_tag* message) noexcept {
-    return alertLog().Write([message](FILE* stream) {
-        TraceStream(stream).Checked("%s", oamMessageText(message));
+    return alertLog().Write([message](LogStream& log) {
+        TraceStream(log).Checked(oamMessageText(message));
         return OAM_SUCCESS;
     });
 }
@@ -96,26 +95,36 @@ oam_result writeRecord(const oam_msg_tag* message) noexcept {
     const bool isBoard = _oamBoardGetNumber(oamMessageSource(message), &number) == OAM_SUCCESS;
 
     const char* word = severityName(message->severity).word;
+    const auto addFirst = [&](Line* line) { line->Add("  <").Add(now.text).Add(" - "); };
+    const auto addSecond = [&](Line* line) {
+        line->Add(" ").Add(word).Add(" ");
+        if (isBoard) line->Add(" Board ").Add(number);
+    };
     Line line;
-    line.Add("  <").Add(now.text).Add(" - ").Add(code).Add(" ").Add(word).Add(" ");
-    if (isBoard) line.Add(" Board ").Add(number);
+    addFirst(&line);
+    line.Add(code);  // a plug-in's has any length
+    addSecond(&line);
     line.Add("\"").Add(oamMessageSource(message)).Add("\">\n");
     line.Add(oamMessageText(message)).Add("\n");
 
-    return alertLog().Write([&](FILE* stream) {
-        TraceStream trace(stream);
+    return alertLog().Write([&](LogStream& log) {
+        TraceStream trace(log);
         if (line.Fits()) {
-            trace.Checked(line);
+            trace.Checked(line.Text());
             return OAM_SUCCESS;
         }
-        trace.Checked("  <%s - %s", now.text, code);
-        trace.Checked(" %s ", word);
-        if (isBoard) trace.Checked(" Board %lu", static_cast<unsigned long>(number));
+        Line first;
+        addFirst(&first);
+        Line second;
+        addSecond(&second);
+        trace.Checked(first.Text());
+        trace.Checked(code);
+        trace.Checked(second.Text());
         trace.Text("\"");
         trace.Text(oamMessageSource(message));
         trace.Text("\">\n");
         trace.Text(oamMessageText(message));
-        trace.Checked("%s", "\n");
+        trace.Checked("\n");
         return OAM_SUCCESS;
     });
 }
@@ -134,12 +143,19 @@ oam_result writePlainLine(const oam_msg_tag* message) noexcept {
     Line line;
     line.Add(oamMessageSource(message)).Add("(").Add({&letter, 1}).Add("): ");
     line.Add(oamMessageText(message)).Add("\n");
-    return alertLog().Write([&](FILE* stream) {
-        const bool written = line.Fits()
-                                 ? line.WriteTo(stream)
-                                 : fprintf(stream, "%s(%c): %s\n", oamMessageSource(message),
-                                           letter, oamMessageText(message)) >= 0;
-        const bool flushed = fflush_unlocked(stream) == 0;
-        return written && flushed ? OAM_SUCCESS : OAMERR_FILE_WRITE_ERROR;
+    return alertLog().Write([&](LogStream& log) {
+        bool written = true;
+        if (line.Fits()) {
+            written = log.Put(line.Text());
+        } else {
+            const char middle[] = {'(', letter, ')', ':', ' '};
+            for (const std::string_view piece :
+                 {std::string_view(oamMessageSource(message)),
+                  std::string_view(middle, sizeof middle),
+                  std::string_view(oamMessageText(message)), std::string_view("\n")}) {
+                written = log.Put(piece) && written;
+            }
+        }
+        return written ? OAM_SUCCESS : OAMERR_FILE_WRITE_ERROR;
     });
 }

@@ -48,7 +48,7 @@ oam_result writeLog(const oam_msg_tag* message) noexcept {
 
 // Few enough clients take no memory.
 struct ClientCopy {
-    static constexpr int kFew = 32;
+    static constexpr int kFew = ClientsInSight::kMost;
 
     unsigned long* MakeRoom(int needed) noexcept {
         if (needed <= kFew) return few;
@@ -66,6 +66,10 @@ struct ClientCopy {
 // does not change who gets this alert.
 oam_result copyClients(ClientCopy* copy) noexcept {
     CArrayPtrsToClient& table = alertClients();
+    if (table.InSight().Copy(copy->few, &copy->count)) {
+        copy->clients = copy->few;
+        return OAM_SUCCESS;
+    }
     KorGuard hold(table.Mutex());
     unsigned long* clients = copy->MakeRoom(table.Count());
     if (clients == nullptr) return OAMERR_NOT_ENOUGH_MEMORY;
@@ -106,7 +110,7 @@ oam_result dispatchAlert(const oam_msg_tag* message) noexcept {
         result.Note(reportAppend(message));
         return result.Get();
     }
-    result.Note(componentLane().Deliver(message));
+    if (EmcReceivesAlerts()) result.Note(componentLane().Deliver(message));
     result.Note(pluginLane().Deliver(message));
     callClients(message, &result);
     return result.Get();

@@ -1,5 +1,6 @@
 #include "log_file.h"
 
+#include <cstdio>
 #include <cstring>
 #include <ctime>
 
@@ -45,29 +46,33 @@ TimeStamp::TimeStamp() noexcept {
 }
 
 oam_result LogFile::Begin(const char* path) noexcept {
+    const TimeStamp now;
     KorGuard hold(mutex_);
-    if (stream_ != nullptr) return OAMERR_ALREADY_EXISTS;
+    if (stream_.IsOpen()) return OAMERR_ALREADY_EXISTS;
     char backup[oam::kScanPathSize];
     if (auto failed = backupPath(path, backup)) return failed;
     (void)remove(backup);
     (void)rename(path, backup);
-    stream_ = fopen(path, "we");
-    if (stream_ == nullptr) return OAMERR_FILE_WRITE_ERROR;
+    if (!stream_.Open(path)) return OAMERR_FILE_WRITE_ERROR;
     isOpen_.store(true, std::memory_order_release);
-    fprintf(stream_, "%s - Logging start\n", TimeStamp().text);
-    (void)fflush(stream_);  // who looks at the file sees that the log is on
+    (void)PutStamped(now, " - Logging start\n");
     return OAM_SUCCESS;
 }
 
 oam_result LogFile::End() noexcept {
     const TimeStamp now;
     KorGuard hold(mutex_);
-    if (stream_ == nullptr) return OAMERR_NOT_FOUND;
-    fprintf(stream_, "%s - Logging stop\n", now.text);
-    const bool closed = fclose(stream_) == 0;
-    stream_ = nullptr;
+    if (!stream_.IsOpen()) return OAMERR_NOT_FOUND;
+    const bool written = PutStamped(now, " - Logging stop\n");
+    const bool closed = stream_.Close();
     isOpen_.store(false, std::memory_order_release);
-    return closed ? OAM_SUCCESS : OAMERR_FILE_WRITE_ERROR;
+    return written && closed ? OAM_SUCCESS : OAMERR_FILE_WRITE_ERROR;
+}
+
+bool LogFile::PutStamped(const TimeStamp& now, const char* what) noexcept {
+    char line[64];
+    const int length = snprintf(line, sizeof line, "%s%s", now.text, what);
+    return stream_.Put({line, static_cast<size_t>(length)});
 }
 
 LogFile& alertLog() noexcept {

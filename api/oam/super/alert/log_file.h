@@ -6,11 +6,17 @@
 #pragma once
 
 #include <atomic>
-#include <cstdio>
 
 #include "korcore/guard.h"
+#include "log_stream.h"
 #include "oam/codes.h"
 #include "oam/message.h"
+
+// The time as "Fri Nov 20 23:25:29": weekday, month, day and time, without the year.
+struct TimeStamp {
+    TimeStamp() noexcept;
+    char text[32];
+};
 
 class LogFile {
   public:
@@ -21,23 +27,19 @@ class LogFile {
     oam_result End() noexcept;
     bool IsOpen() const noexcept { return isOpen_.load(std::memory_order_acquire); }
 
-    // Calls write(FILE*) on the open stream; a log that has been closed meanwhile is no failure.
+    // Calls write(LogStream&) on the open stream; a log that has been closed meanwhile is no failure.
     template <class WriteLine>
     oam_result Write(WriteLine write) noexcept {
         KorGuard hold(mutex_);
-        return stream_ != nullptr ? write(stream_) : OAM_SUCCESS;
+        return stream_.IsOpen() ? write(stream_) : OAM_SUCCESS;
     }
 
   private:
+    bool PutStamped(const TimeStamp& now, const char* what) noexcept REQUIRES(mutex_);
+
     CKorMutex mutex_{0, nullptr, 0};
-    FILE* stream_ GUARDED_BY(mutex_) = nullptr;
+    LogStream stream_ GUARDED_BY(mutex_);
     std::atomic<bool> isOpen_{false};
 };
 
 LogFile& alertLog() noexcept;
-
-// The time as "Fri Nov 20 23:25:29": weekday, month, day and time, without the year.
-struct TimeStamp {
-    TimeStamp() noexcept;
-    char text[32];
-};

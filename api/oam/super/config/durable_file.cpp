@@ -17,18 +17,25 @@ namespace {
 constexpr mode_t kNewFileMode = 0666;  // the process's umask applies
 constexpr mode_t kPermissions = 07777;
 
-// 0, or what errno says.
+// As its owner left it to others. Best effort, and nearly always so already; then the file system
+// need not note a change.
+void takeAfter(int descriptor, const struct stat& existing) noexcept {
+    struct stat made;
+    if (fstat(descriptor, &made) != 0) return;
+    if (((made.st_mode ^ existing.st_mode) & kPermissions) != 0) {
+        (void)fchmod(descriptor, existing.st_mode & kPermissions);
+    }
+    if (made.st_uid != existing.st_uid || made.st_gid != existing.st_gid) {
+        [[maybe_unused]] const int owned = fchown(descriptor, existing.st_uid, existing.st_gid);
+    }
+}
+
+// The descriptor, or -1 and errno.
 int createLike(const char* path, const struct stat* existing) noexcept {
     const int descriptor =
         open(path, O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW | O_CLOEXEC, kNewFileMode);
-    if (descriptor < 0) return errno;
-    if (existing != nullptr) {
-        // Best effort: a file that its owner opened to others stays so.
-        (void)fchmod(descriptor, existing->st_mode & kPermissions);
-        [[maybe_unused]] const int owned = fchown(descriptor, existing->st_uid, existing->st_gid);
-    }
-    close(descriptor);
-    return 0;
+    if (descriptor >= 0 && existing != nullptr) takeAfter(descriptor, *existing);
+    return descriptor;
 }
 
 // The directory or the name allows no file beside. Any other failure (a full disk, too many open
@@ -46,12 +53,10 @@ oam_result DurableFile::Begin(const char* path) noexcept {
     if (exists && !S_ISREG(status.st_mode)) return OAM_SUCCESS;
     oam::OwnedText beside;
     if (!beside.Join(path, kBesideSuffix)) return OAMERR_NOT_ENOUGH_MEMORY;
-    const int error = createLike(beside.Get(), exists ? &status : nullptr);
-    if (error == 0) {
-        beside_ = std::move(beside);
-        return OAM_SUCCESS;
-    }
-    return forbidsBeside(error) ? OAM_SUCCESS : OAMERR_FILE_WRITE_ERROR;
+    descriptor_ = createLike(beside.Get(), exists ? &status : nullptr);
+    if (descriptor_ < 0) return forbidsBeside(errno) ? OAM_SUCCESS : OAMERR_FILE_WRITE_ERROR;
+    beside_ = std::move(beside);
+    return OAM_SUCCESS;
 }
 
 bool isWrittenInPlace(const char* path) noexcept {
@@ -68,6 +73,7 @@ oam_result DurableFile::Finish(oam_result written) noexcept {
 
 oam_result DurableFile::PutInPlace(oam_result written) noexcept {
     if (!IsBeside()) return written;
+    CloseBeside();
     const bool isOpen = !place_ || place_->IsOpen();
     if (written == OAM_SUCCESS && isOpen && rename(beside_.Get(), path_) == 0) {
         (void)beside_.Assign(nullptr);
@@ -77,7 +83,12 @@ oam_result DurableFile::PutInPlace(oam_result written) noexcept {
     return written != OAM_SUCCESS ? written : OAMERR_FILE_WRITE_ERROR;
 }
 
+void DurableFile::CloseBeside() noexcept {
+    if (descriptor_ >= 0) close(TakeDescriptor());
+}
+
 void DurableFile::GiveUp() noexcept {
+    CloseBeside();
     if (!IsBeside()) return;
     (void)remove(beside_.Get());
     (void)beside_.Assign(nullptr);

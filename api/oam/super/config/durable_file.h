@@ -7,6 +7,7 @@
 #pragma once
 
 #include <optional>
+#include <utility>
 
 #include "base/text.h"
 
@@ -34,6 +35,11 @@ class ContainingDirectory {
 
 class DurableFile {
   public:
+    DurableFile() noexcept = default;
+    ~DurableFile() { CloseBeside(); }
+    DurableFile(const DurableFile&) = delete;
+    DurableFile& operator=(const DurableFile&) = delete;
+
     // Decides where to write and reserves the name beside. OAMERR_NOT_ENOUGH_MEMORY,
     // OAMERR_FILE_WRITE_ERROR: the old file is untouched.
     oam_result Begin(const char* path) noexcept;
@@ -41,6 +47,8 @@ class DurableFile {
     // The file to write; when it is beside, the writer syncs it.
     const char* Target() const noexcept { return beside_.IsNull() ? path_ : beside_.Get(); }
     bool IsBeside() const noexcept { return !beside_.IsNull(); }
+    // The file beside, open and empty, for the writer, who closes it. Once; -1 when there is none.
+    int TakeDescriptor() noexcept { return std::exchange(descriptor_, -1); }
 
     // Puts what was written in its place, or (when `written` is a failure) removes what is beside
     // and leaves the old file. Answers `written`, or OAMERR_FILE_WRITE_ERROR.
@@ -56,8 +64,11 @@ class DurableFile {
     void GiveUp() noexcept;
 
   private:
+    void CloseBeside() noexcept;
+
     const char* path_ = "";
     oam::OwnedText beside_;
+    int descriptor_ = -1;
     std::optional<ContainingDirectory> place_;
 };
 

@@ -120,9 +120,11 @@ oam_result KOR_CMObject::Save() noexcept {
     return saving.Sync();
 }
 
-oam_result KOR_CMObject::WriteFile(const char* path, bool sync) noexcept {
+oam_result KOR_CMObject::WriteFile(DurableFile* file, bool sync) noexcept {
     CXmlExport writer;
-    if (writer.Open(path, kObjectRoot) != 0) return OAMERR_FILE_WRITE_ERROR;
+    if (writer.Open(file->Target(), kObjectRoot, file->TakeDescriptor()) != 0) {
+        return OAMERR_FILE_WRITE_ERROR;
+    }
     oam::LastFailure result;
     result.Note(Save(writer));
     if ((sync ? writer.CloseSynced() : writer.Close()) != 0) result.Note(OAMERR_FILE_WRITE_ERROR);

@@ -47,7 +47,7 @@ class CMObjMgr : public CArrayPtrsToMObject {
                             bool* loaded) noexcept;
     oam_result TryToLoad(const char* object) noexcept;
     oam_result RejectDataFile(const char* path, const char* fileName, const char* object) noexcept;
-    oam_result WriteExport(const char* path, bool sync) noexcept;
+    oam_result WriteExport(DurableFile* file) noexcept;
     oam_result ReadTogether(CXmlImport* reader, const char* directory) noexcept;
     oam_result ReadImport(CXmlImport* reader) noexcept;
 };

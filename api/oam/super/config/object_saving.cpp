@@ -28,7 +28,7 @@ void ObjectSaving::WriteAhead() noexcept {
 }
 
 oam_result ObjectSaving::Write() noexcept {
-    return object_->WriteFile(file_.Target(), file_.IsBeside() && IsSynced());
+    return object_->WriteFile(&file_, file_.IsBeside() && IsSynced());
 }
 
 oam_result ObjectSaving::PutInPlace() noexcept {

@@ -38,14 +38,16 @@ bool isWithinAnother() noexcept { return oam::ManagerMutex::Depth() > 1; }
 oam_result CMObjMgr::Export(const char* fileName) noexcept {
     DurableFile file;
     if (auto failed = file.Begin(fileName)) return failed;
-    const oam_result written = WriteExport(file.Target(), file.IsBeside());
+    const oam_result written = WriteExport(&file);
     if (written != OAM_SUCCESS && !file.IsBeside()) removeRegularFile(fileName);
     return file.Finish(written);
 }
 
-oam_result CMObjMgr::WriteExport(const char* path, bool sync) noexcept {
+oam_result CMObjMgr::WriteExport(DurableFile* file) noexcept {
     CXmlExport writer;
-    if (writer.Open(path, kExportRoot) != 0) return OAMERR_FILE_WRITE_ERROR;
+    if (writer.Open(file->Target(), kExportRoot, file->TakeDescriptor()) != 0) {
+        return OAMERR_FILE_WRITE_ERROR;
+    }
     oam_result result = OAM_SUCCESS;
     for (int i = 0; result == OAM_SUCCESS && i < Count(); ++i) {
         KOR_CMObject* object = At(i);
@@ -59,7 +61,7 @@ oam_result CMObjMgr::WriteExport(const char* path, bool sync) noexcept {
         const oam_result closed = object->DbClose(handle, false);
         if (result == OAM_SUCCESS) result = closed;
     }
-    const int closed = sync ? writer.CloseSynced() : writer.Close();
+    const int closed = file->IsBeside() ? writer.CloseSynced() : writer.Close();
     return result == OAM_SUCCESS && closed != 0 ? OAMERR_FILE_WRITE_ERROR : result;
 }
 

@@ -11,9 +11,12 @@ CXmlExport::~CXmlExport() {
     if (stream_ != nullptr) fclose(stream_);
 }
 
-int CXmlExport::Open(const char* path, const char* rootName) noexcept {
-    stream_ = fopen(path, "we");
-    if (stream_ == nullptr) return -1;
+int CXmlExport::Open(const char* path, const char* rootName, int descriptor) noexcept {
+    stream_ = descriptor >= 0 ? fdopen(descriptor, "w") : fopen(path, "we");
+    if (stream_ == nullptr) {
+        if (descriptor >= 0) close(descriptor);
+        return -1;
+    }
     depth_ = 0;
     path_ = XmoPath::Root();
     fputs_unlocked("<?XML version=\"1.0\"?>\n", stream_);
@@ -22,16 +25,14 @@ int CXmlExport::Open(const char* path, const char* rootName) noexcept {
 
 int CXmlExport::BegDir(const char* name) noexcept {
     if (stream_ == nullptr || !path_.Append(name)) return -1;
-    Line("<", name, ">\n");
+    Line({"<", name, ">\n"});
     ++depth_;
     return Answer();
 }
 
 int CXmlExport::SetNextKeyword(const char* name, const char* value) noexcept {
     if (stream_ == nullptr) return -1;
-    Line("<", name, ">");
-    fputs_unlocked(value != nullptr ? value : "", stream_);
-    fputs_unlocked("</>\n", stream_);
+    Line({"<", name, ">", value != nullptr ? value : "", "</>\n"});
     return Answer();
 }
 
@@ -43,7 +44,7 @@ int CXmlExport::EndDir(const char* name) noexcept {
         return -1;
     }
     --depth_;
-    Line("</", last, ">\n");
+    Line({"</", last, ">\n"});
     return Answer();
 }
 
@@ -60,7 +61,22 @@ int CXmlExport::CloseStream(bool sync) noexcept {
     return fclose(stream) == 0 && closed ? 0 : -1;
 }
 
-void CXmlExport::Line(const char* before, const char* name, const char* after) noexcept {
-    for (int i = 0; i < depth_; ++i) fputs_unlocked("   ", stream_);
-    for (const char* part : {before, name, after}) fputs_unlocked(part, stream_);
+// Put together first: the stream takes longer for each piece than a copy of it.
+void CXmlExport::Line(std::initializer_list<std::string_view> parts) noexcept {
+    constexpr std::string_view kIndent = "   ";
+    char line[512];
+    size_t length = 0;
+    const auto add = [&](std::string_view part) {
+        if (part.size() > sizeof line - length) {
+            (void)fwrite_unlocked(line, 1, std::exchange(length, 0), stream_);
+        }
+        if (part.size() > sizeof line) {
+            (void)fwrite_unlocked(part.data(), 1, part.size(), stream_);
+        } else {
+            length += part.copy(line + length, part.size());
+        }
+    };
+    for (int i = 0; i < depth_; ++i) add(kIndent);
+    for (const std::string_view part : parts) add(part);
+    (void)fwrite_unlocked(line, 1, length, stream_);
 }

@@ -7,6 +7,8 @@
 #pragma once
 
 #include <cstdio>
+#include <initializer_list>
+#include <string_view>
 
 #include "xmo_path.h"
 
@@ -20,8 +22,9 @@ class CXmlExport {
     CXmlExport& operator=(const CXmlExport&) = delete;
     virtual ~CXmlExport();
 
-    // Creates or truncates the file and opens the root.
-    int Open(const char* path, const char* rootName) noexcept;
+    // Creates or truncates the file and opens the root. A descriptor is of the file, open and
+    // empty; it is the writer's then, whatever the answer.
+    int Open(const char* path, const char* rootName, int descriptor = -1) noexcept;
     // Fails when the path of open directories would reach 256 bytes.
     int BegDir(const char* name) noexcept;
     // A null value is written empty.
@@ -35,8 +38,8 @@ class CXmlExport {
 
   private:
     int CloseStream(bool sync) noexcept;
-    // One line, indented; whether it could be written the stream keeps.
-    void Line(const char* before, const char* name, const char* after) noexcept;
+    // One line, indented, of these parts; whether it could be written the stream keeps.
+    void Line(std::initializer_list<std::string_view> parts) noexcept;
     int Answer() const noexcept { return ferror_unlocked(stream_) == 0 ? 0 : -1; }
 
     FILE* stream_ = nullptr;

@@ -89,9 +89,9 @@ bool CBoardIDsShadow::IsUsable() noexcept {
 }
 
 oam_result CBoardIDsShadow::Publish(ShadowImage& image) noexcept {
-    if (!Lock()) return OAMERR_NOT_ENOUGH_MEMORY;
+    if (!LockBriefly()) return OAMERR_NOT_ENOUGH_MEMORY;
     const bool written = Stream().Replace(image.Bytes(), image.Size());
-    Unlock();
+    UnlockBriefly();
     return written ? OAM_SUCCESS : OAMERR_NOT_ENOUGH_MEMORY;
 }
 
