@@ -73,14 +73,17 @@ unsigned takeMark() noexcept {
 }
 
 void storeText(const char* text, std::atomic<uint64_t>* words) noexcept {
-    const size_t length = text != nullptr ? strnlen(text, kKorMarkTextSize - 1) : 0;
-    for (size_t i = 0; i <= length / sizeof(uint64_t); ++i) {
-        const size_t left = length - i * sizeof(uint64_t);
-        uint64_t word = 0;  // the last one has the NUL
-        if (left != 0)
-            memcpy(&word, text + i * sizeof word, left < sizeof word ? left : sizeof word);
+    if (text == nullptr) text = "";
+    const size_t length = strnlen(text, kKorMarkTextSize - 1);
+    const size_t whole = length / sizeof(uint64_t);
+    for (size_t i = 0; i < whole; ++i) {
+        uint64_t word;
+        memcpy(&word, text + i * sizeof word, sizeof word);
         words[i].store(word, std::memory_order_release);
     }
+    uint64_t last = 0;  // with the NUL
+    memcpy(&last, text + whole * sizeof last, length % sizeof last);
+    words[whole].store(last, std::memory_order_release);
 }
 
 void loadText(const std::atomic<uint64_t>* words, char* text) noexcept {

@@ -58,6 +58,7 @@ void zolSleepMs(unsigned milliseconds) noexcept {
 // Each letter is read once: a text in shared memory may change between two looks, and its end would
 // be missed.
 int zolStricmp(const char* left, const char* right) noexcept {
+    if (left == right) return 0;
     if (left == nullptr) left = "";
     if (right == nullptr) right = "";
     for (;; ++left, ++right) {

@@ -158,6 +158,10 @@ oam_result _oamSetKeyword(unsigned long handle, const char* name, const char* va
     return set(doors().Call("_oamSetKeyword", handle, name, value), handle, name, value);
 }
 
+oam_result DbOpenObjectAsFound(const char* name, unsigned long* handle) noexcept {
+    return open(doors().Call("DbOpenObjectAsFound", name), name, handle);
+}
+
 oam_result _oamDbOpenObject(const char* name, unsigned long* handle, unsigned mode) noexcept {
     return open(doors().Call("_oamDbOpenObject", name, mode), name, handle);
 }

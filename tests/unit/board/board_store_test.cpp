@@ -190,7 +190,7 @@ TEST_F(StoredBoards, MissingNumberIsZeroAndTakenOnceOnly) {
 
 TEST_F(StoredBoards, ObjectThatCannotBeOpenedOrClosedStopsTheFilling) {
     AddObject("A", {});
-    for (const char* step : {"_oamDbOpenObject", "_oamDbCloseObject"}) {
+    for (const char* step : {"DbOpenObjectAsFound", "_oamDbCloseObject"}) {
         doors.Answer(step, oam_result(0x42));
         EXPECT_EQ(boardIDsInit(), oam_result(0x42)) << step;
         EXPECT_THAT(BoardNames(), IsEmpty());
@@ -201,8 +201,8 @@ TEST_F(StoredBoards, ObjectThatCannotBeOpenedOrClosedStopsTheFilling) {
 TEST_F(StoredBoards, ObjectThatIsNoBoardIsClosedAgain) {
     ConfigDoor::The().AddObject("Supervisor");
     EXPECT_EQ(boardIDsInit(), OAM_SUCCESS);
-    EXPECT_THAT(doors.CallsOf({"_oamDbOpenObject", "_oamDbCloseObject"}),
-                ElementsAre("_oamDbOpenObject(Supervisor, 0)", "_oamDbCloseObject(1)"));
+    EXPECT_THAT(doors.CallsOf({"DbOpenObjectAsFound", "_oamDbCloseObject"}),
+                ElementsAre("DbOpenObjectAsFound(Supervisor)", "_oamDbCloseObject(1)"));
 }
 
 TEST_F(StoredBoards, FailedShadowEmptiesTheTable) {
