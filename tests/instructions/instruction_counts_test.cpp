@@ -46,8 +46,8 @@ TEST(InstructionCounts, OfTheHotOperationsStayWithinTheirBounds) {
     ASSERT_EQ(std::system(command.c_str()), 0) << place.Read("output");
 
     const std::map<std::string, double> bounds = {
-        {kReadChanged, 32000}, {kReadUnchanged, 6800}, {kKeyword, 1950},
-        {kCommit, 177000},     {kAlert, 3900},         {kShadow, 1530},
+        {kReadChanged, 26200}, {kReadUnchanged, 6500}, {kKeyword, 1950},
+        {kCommit, 143000},     {kAlert, 2950},         {kShadow, 1690},
     };
     const auto counts = countsIn(place.Path("shm"));
     for (const auto& [name, bound] : bounds) {
