@@ -7,6 +7,16 @@
 constexpr unsigned kMacSlots = OAM_MAC_KEPT + 1;  // the last one is always empty
 constexpr unsigned kNoCpci = 32;                  // shelf and slot of a board without CompactPCI
 
+// A type of its own, so that it is copied at once instead of letter by letter.
+struct MacAddresses {
+    using Text = char[OAM_MAC_TEXT_SIZE];
+
+    Text& operator[](unsigned index) noexcept { return texts[index]; }
+    const Text& operator[](unsigned index) const noexcept { return texts[index]; }
+
+    Text texts[kMacSlots] = {};
+};
+
 struct BoardValues {
     unsigned number = 0;           // "Number"
     oam::OwnedText driverName;     // "Driver.Name"
@@ -22,8 +32,7 @@ struct BoardValues {
     bool xLaw = false;             // "XLaw": A-law companding
     unsigned cpciSlot = kNoCpci;   // "Location.CPCI.Slot"
     unsigned cpciShelf = kNoCpci;  // "Location.CPCI.Shelf"
-    char macAddresses[kMacSlots][OAM_MAC_TEXT_SIZE] =
-        {};                        // "NetworkInterface.Ethernet[i].MAC_Address"
+    MacAddresses macAddresses;     // "NetworkInterface.Ethernet[i].MAC_Address"
     unsigned macAddressCount = 0;  // "NetworkInterface.Ethernet.Count", at most 4
 
     // Keeps the first OAM_MAC_KEPT texts.
