@@ -105,19 +105,7 @@ ExitStatus CommandLine::Execute(int argc, char** argv) {
     } catch (const CLI::ParseError& error) {
         return app_->exit(error) == 0 ? kDone : kUsage;
     }
-    Console console(json_);
-    try {
-        return RunChosen(titleOf(argc, argv));
-    } catch (const UsageError& error) {
-        console.Note(error.what());
-        return kUsage;
-    } catch (const Failure& failure) {
-        console.Complain(failure);
-        return failure.Status();
-    } catch (const std::exception& error) {
-        console.Note(error.what());
-    }
-    return kFailed;
+    return Console(json_).StatusOf([&] { return RunChosen(titleOf(argc, argv)); });
 }
 
 ExitStatus CommandLine::RunChosen(const std::string& title) {

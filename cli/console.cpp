@@ -74,6 +74,21 @@ void Console::Complain(const Failure& failure) {
     if (!failure.Advice().empty()) std::fprintf(stderr, "     %s\n", failure.Advice().c_str());
 }
 
+ExitStatus Console::StatusOf(const std::function<ExitStatus()>& run) {
+    try {
+        return run();
+    } catch (const UsageError& error) {
+        Note(error.what());
+        return kUsage;
+    } catch (const Failure& failure) {
+        Complain(failure);
+        return failure.Status();
+    } catch (const std::exception& error) {
+        Note(error.what());
+    }
+    return kFailed;
+}
+
 void Console::Remark(const Alert& alert) {
     std::string text = alert.text;
     text.erase(text.find_last_not_of(" \n") + 1);

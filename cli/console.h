@@ -6,13 +6,14 @@
 // one. What is collected for somebody else is never for people who look.
 #pragma once
 
+#include <functional>
 #include <string>
 
+#include "failure.h"
 #include "table.h"
 
 namespace oam {
 
-class Failure;
 struct Alert;
 
 // The answer of a command that is run for somebody else, and what it has said besides.
@@ -49,6 +50,8 @@ class Console {
     // A remark on standard error, with the tool's name in front.
     void Note(const std::string& text);
     void Complain(const Failure& failure);
+    // What a command's run answers; what it throws is told, and is its status too.
+    ExitStatus StatusOf(const std::function<ExitStatus()>& run);
     // An alert that belongs to what is done just now, as a remark.
     void Remark(const Alert& alert);
     // Only for people who look: nothing when standard error is no terminal.

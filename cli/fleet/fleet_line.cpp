@@ -129,19 +129,7 @@ ExitStatus FleetLine::Execute(const std::vector<std::string>& words) {
     } catch (const CLI::ParseError& error) {
         return app_->exit(error) == 0 ? kDone : kUsage;
     }
-    Console console(options_.json);
-    try {
-        return RunChosen(words);
-    } catch (const UsageError& error) {
-        console.Note(error.what());
-        return kUsage;
-    } catch (const Failure& failure) {
-        console.Complain(failure);
-        return failure.Status();
-    } catch (const std::exception& error) {
-        console.Note(error.what());
-    }
-    return kFailed;
+    return Console(options_.json).StatusOf([&] { return RunChosen(words); });
 }
 
 ExitStatus FleetLine::RunChosen(const std::vector<std::string>& words) {
