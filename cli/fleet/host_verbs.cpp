@@ -49,20 +49,14 @@ class OneHost {
 
     void Run(const MakeVerb& make, HostResult* result) {
         Console console(isJson_, &result->output);
-        try {
+        result->status = console.StatusOf([&] {
             Tunnel tunnel(calls_, result->host);
             const RemoteHost host{result->host, "", "", ""};
             Context context{place_, console, title_, &host, &tunnel, &interruption_};
             const auto command = make(result->host);
             command->CheckArguments();
-            result->status = command->Run(context);
-        } catch (const Failure& failure) {
-            console.Complain(failure);
-            result->status = failure.Status();
-        } catch (const std::exception& error) {
-            console.Note(error.what());
-            result->status = kFailed;
-        }
+            return command->Run(context);
+        });
     }
 
   private:
