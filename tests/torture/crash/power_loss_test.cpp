@@ -38,7 +38,7 @@ class Unpowered : public testing::TestWithParam<Operation> {
         for (const auto& [name, data] : files) {
             const fs::path path = host.Path("oam/cfg/" + name);
             fs::create_directories(path.parent_path());
-            std::ofstream(path, std::ios::binary) << data;
+            std::ofstream(path, std::ios::binary) << *data;
         }
     }
 
@@ -55,7 +55,7 @@ TEST_P(Unpowered, AtAnyMomentLeavesTheOldStateOrTheNewAndKeepsWhatWasAcknowledge
         const auto& state = states[index];
         SCOPED_TRACE("after event " + std::to_string(state.event) + " of " +
                      std::to_string(disk_->Events()) + ", " + state.what);
-        Restore(host, state.files);
+        Restore(host, *state.files);
         const Look look = host.LookAt();
         ASSERT_TRUE(look.isStarted) << look.digest;
         const bool isAcknowledged = state.event == disk_->Events();

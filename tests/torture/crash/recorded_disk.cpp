@@ -50,7 +50,7 @@ RecordedDisk::RecordedDisk(std::string directory) : directory_(std::move(directo
         const std::string data{std::istreambuf_iterator<char>(file),
                                std::istreambuf_iterator<char>()};
         names_[Below(entry.path())] = nextInode_;
-        first_[nextInode_] = {data, data};
+        first_[nextInode_] = data;
         data_[nextInode_] = data;
         ++nextInode_;
     }
@@ -184,23 +184,26 @@ std::string RecordedDisk::PlaceOf(const Event& event) {
 class PossibleDisks {
   public:
     PossibleDisks(const RecordedDisk& disk, int atRandom)
-        : atRandom_(atRandom), synced_(disk.firstNames_), inodes_(disk.first_) {}
+        : atRandom_(atRandom), synced_(disk.firstNames_) {
+        for (const auto& [inode, data] : disk.first_) Make(inode, data);
+    }
 
     void Pass(const RecordedDisk::Event& event) {
         using Kind = RecordedDisk::Event::Kind;
         ++passed_;
         if (event.kind == Kind::kData) {
-            inodes_[event.inode].data = event.data;
+            Write(event.inode, event.data);
         } else if (event.kind == Kind::kSyncData) {
-            inodes_[event.inode].synced = inodes_[event.inode].data;
+            inodes_[event.inode].Sync();
         } else if (event.kind == Kind::kSyncNames) {
             SyncNames(event.path);
         } else if (event.kind == Kind::kSyncAll) {
-            for (auto& [inode, content] : inodes_) content.synced = content.data;
+            for (auto& [inode, content] : inodes_) content.Sync();
             for (const auto& pending : std::exchange(pending_, {})) {
                 RecordedDisk::Apply(pending, &synced_);
             }
         } else {
+            if (event.kind == Kind::kCreate) Make(event.inode, "");
             pending_.push_back(event);
         }
         AddAll();
@@ -211,6 +214,38 @@ class PossibleDisks {
   private:
     // How much of the data that is not synced is there.
     enum class Data { kWhole, kHalf, kOld };
+
+    class Inode {
+      public:
+        void Write(Content whole, Content half) {
+            whole_ = std::move(whole);
+            half_ = std::move(half);
+        }
+        void Sync() { synced_ = whole_; }
+        bool IsSynced() const { return whole_ == synced_; }
+        Content Get(Data data) const {
+            if (data == Data::kOld) return synced_;
+            return data == Data::kWhole || IsSynced() ? whole_ : half_;
+        }
+
+      private:
+        Content whole_, half_, synced_;
+    };
+
+    void Write(int inode, const std::string& data) {
+        inodes_[inode].Write(Kept(data), Kept(data.substr(0, data.size() / 2)));
+    }
+    void Make(int inode, const std::string& data) {
+        Write(inode, data);
+        inodes_[inode].Sync();
+    }
+
+    // One for each content, so that equal ones are the same.
+    Content Kept(const std::string& content) {
+        Content& kept = contents_[content];
+        if (kept == nullptr) kept = std::make_shared<const std::string>(content);
+        return kept;
+    }
     static constexpr std::size_t kMostForEverySubset = 8;
 
     void SyncNames(const std::string& directory) {
@@ -228,7 +263,7 @@ class PossibleDisks {
     void AddAll() {
         AddSubsetsOfNames();
         for (const auto& [inode, content] : inodes_) {
-            if (content.data == content.synced) continue;
+            if (content.IsSynced()) continue;
             const std::string which = "all names, of inode " + std::to_string(inode);
             const auto all = [](std::size_t) { return true; };
             const auto is = [inode = inode](int other) { return other == inode; };
@@ -273,24 +308,27 @@ class PossibleDisks {
         for (std::size_t i = 0; i < pending_.size(); ++i)
             if (chosen(i)) RecordedDisk::Apply(pending_[i], &names);
         Files files;
-        for (const auto& [path, inode] : names) files[path] = DataOf(inodes_[inode], kept(inode));
-        if (seen_.insert(files).second)
-            states_.push_back({passed_, std::move(what), std::move(files)});
-    }
-
-    static std::string DataOf(const RecordedDisk::Inode& inode, Data data) {
-        if (data == Data::kOld) return inode.synced;
-        if (data == Data::kWhole || inode.data == inode.synced) return inode.data;
-        return inode.data.substr(0, inode.data.size() / 2);
+        for (const auto& [path, inode] : names) {
+            files.emplace_hint(files.end(), path, inodes_.at(inode).Get(kept(inode)));
+        }
+        const auto disk = std::make_shared<const Files>(std::move(files));
+        if (seen_.insert(disk).second) states_.push_back({passed_, std::move(what), disk});
     }
 
     const int atRandom_;
     RecordedDisk::Names synced_;
-    std::map<int, RecordedDisk::Inode> inodes_;
+    std::map<std::string, Content> contents_;
+    std::map<int, Inode> inodes_;
     std::vector<RecordedDisk::Event> pending_;
     std::size_t passed_ = 0;
     std::minstd_rand random_{1};  // the same disks in every run
-    std::set<Files> seen_;
+    struct ByFiles {
+        bool operator()(const std::shared_ptr<const Files>& one,
+                        const std::shared_ptr<const Files>& other) const {
+            return *one < *other;
+        }
+    };
+    std::set<std::shared_ptr<const Files>, ByFiles> seen_;
     std::vector<RecordedDisk::State> states_;
 };
 

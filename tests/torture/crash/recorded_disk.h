@@ -8,6 +8,7 @@
 #pragma once
 
 #include <map>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -15,8 +16,11 @@
 
 namespace oam::torture {
 
+// A content that many disks have is there once: a child is made for each look at one of them, and
+// takes the longer the more memory there is.
+using Content = std::shared_ptr<const std::string>;
 // Path below the directory ("cfg/Obj1.xmo") to content.
-using Files = std::map<std::string, std::string>;
+using Files = std::map<std::string, Content>;
 
 class RecordedDisk {
   public:
@@ -32,7 +36,7 @@ class RecordedDisk {
     struct State {
         std::size_t event;  // how many events had happened
         std::string what;   // for messages
-        Files files;
+        std::shared_ptr<const Files> files;
     };
     // `atRandom`: so many random subsets after each event with many.
     std::vector<State> States(int atRandom) const;
@@ -41,10 +45,6 @@ class RecordedDisk {
   private:
     friend class PossibleDisks;
 
-    struct Inode {
-        std::string data;
-        std::string synced;
-    };
     struct Event {
         enum class Kind { kCreate, kRemove, kRename, kLink, kData, kSyncData, kSyncNames, kSyncAll };
         Kind kind;
@@ -66,7 +66,7 @@ class RecordedDisk {
     const std::string directory_;
     Names names_;
     Names firstNames_;  // what was there before
-    std::map<int, Inode> first_;
+    std::map<int, std::string> first_;  // by inode
     std::map<int, std::string> data_;   // as the process sees it
     std::map<int, std::pair<std::string, int>> descriptors_;  // path, inode (-1: a directory)
     std::vector<Event> events_;

@@ -37,7 +37,7 @@ class RestoreCrash : public HistoryTest {
         if (found == nullptr) return;
         fs::remove_all(files.Directory());
         home.MakeDirectory("oam/cfg");
-        for (const auto& [name, data] : *found) home.WriteDataFile(name, data);
+        for (const auto& [name, data] : *found) home.WriteDataFile(name, *data);
     }
 
     // For a child.
@@ -110,7 +110,7 @@ TEST_F(RestoreCrash, APowerLossAtAnyMomentCostsNothing) {
     for (const std::size_t index : chosen) {
         SCOPED_TRACE("after event " + std::to_string(states[index].event) + " of " +
                      std::to_string(disk.Events()) + ", " + states[index].what);
-        Renew(&states[index].files);
+        Renew(states[index].files.get());
         ExpectThatTheNextStartFinishes();
     }
     torture::TellFigures("power loss, restoring spoiled files",
