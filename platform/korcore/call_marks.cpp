@@ -40,7 +40,7 @@ constinit Mark marks[kKorMarks];
 constinit Use uses[kKorMarkedModules][kKorMarkedEntries];
 
 // Written once each, under the lock, before the count tells of it. Number 0 has the empty name.
-constinit ModuleName modules[kKorMarkedModules];
+constinit ModuleName modules[kKorMarkedModules]{};
 constinit std::atomic<unsigned> moduleCount{1};
 pthread_mutex_t moduleLock = PTHREAD_MUTEX_INITIALIZER;
 
