@@ -38,7 +38,7 @@ std::optional<std::vector<PciBoard>> scanBoards(const Settings& settings) {
         if (address && address->location.IsPlaced()) locations.push_back(address->location);
     }
     std::ranges::sort(locations);
-    locations.erase(std::ranges::unique(locations).begin(), locations.end());
+    locations.erase(std::unique(locations.begin(), locations.end()), locations.end());
 
     PciLibrary library(settings.tree.root);
     std::vector<PciBoard> boards;

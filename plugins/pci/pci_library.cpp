@@ -17,7 +17,8 @@ constexpr std::uint64_t kAllOnes = ~std::uint64_t{0};
 // The error function has no argument of ours, so the way back is the thread's.
 thread_local std::jmp_buf* wayBack = nullptr;
 
-[[noreturn]] void leave(char*, ...) { std::longjmp(*wayBack, 1); }
+// In this form it is part of the function's type for clang, as the library asks.
+__attribute__((noreturn)) void leave(char*, ...) { std::longjmp(*wayBack, 1); }
 void ignore(char*, ...) {}
 
 // False when the library gave up. The work is plain calls: nothing in it may need a destructor,
