@@ -29,8 +29,8 @@ class Host {
     static constexpr int kBoards = 4;
 
     // So many objects, "Prod 0" to "Prod 3" (boards) and "Thing 4", "Thing 5", ...: few boards,
-    // since stopping each before an import takes its time.
-    explicit Host(int objects);
+    // since stopping each before an import takes its time. `parent`: where it lies.
+    explicit Host(int objects, const std::string& parent = "/tmp");
     ~Host();
     Host(const Host&) = delete;
     Host& operator=(const Host&) = delete;

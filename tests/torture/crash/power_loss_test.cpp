@@ -46,7 +46,8 @@ class Unpowered : public testing::TestWithParam<Operation> {
 };
 
 TEST_P(Unpowered, AtAnyMomentLeavesTheOldStateOrTheNewAndKeepsWhatWasAcknowledged) {
-    Host host(objects());
+    // What a disk keeps is thought out here, so there need not be one.
+    Host host(objects(), "/dev/shm");
     const States wanted = StatesOf(host, GetParam());
     Record(host);
     const auto states = disk_->States(randomSubsets());

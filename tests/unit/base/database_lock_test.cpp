@@ -79,7 +79,7 @@ TEST(DatabaseLock, IsHeldUntilTheOutermostHoldEnds) NO_THREAD_SAFETY_ANALYSIS {
     TableLock().Lock();
     TableLock().Lock();
     TableLock().Unlock();
-    ExpectHeldUntil<TableGuard>([] { TableLock().Unlock(); });
+    ExpectHeldUntil<TableGuard>([]() NO_THREAD_SAFETY_ANALYSIS { TableLock().Unlock(); });
 }
 
 // ---- What a frame leaves over
