@@ -190,7 +190,7 @@ TEST_F(ShadowLifecycle, DoesNotHinderAServiceThatLosesItsView) {
 }
 
 // Who holds the segment's lock may use the shadow all the same, whoever else waits for it.
-TEST_F(ShadowLifecycle, AThreadThatWaitsHoldsUpNobodyWhoHoldsTheLock) {
+TEST_F(ShadowLifecycle, AThreadThatWaitsHoldsUpNobodyWhoHoldsTheLock) NO_THREAD_SAFETY_ANALYSIS {
     AddBoard();
     Start();
     CKorMutex lock(0, kLockName);
@@ -204,7 +204,7 @@ TEST_F(ShadowLifecycle, AThreadThatWaitsHoldsUpNobodyWhoHoldsTheLock) {
     EXPECT_EQ(reader.Get(), Is("Board"));
 }
 
-TEST_F(ShadowLifecycle, GivenUpDuringAReadItIsThereUntilTheReadersEnd) {
+TEST_F(ShadowLifecycle, GivenUpDuringAReadItIsThereUntilTheReadersEnd) NO_THREAD_SAFETY_ANALYSIS {
     AddBoard();
     Start();
     CKorMutex lock(0, kLockName);

@@ -58,8 +58,7 @@ std::string StateDigest() {
     return digest;
 }
 
-Host::Host(int objects, const std::string& parent)
-    : home_(test::Layout::kComplete, parent) {
+Host::Host(int objects, const std::string& parent) : home_(test::Layout::kComplete, parent) {
     for (const char* part : {"t/oam/cfg", "t/oam/log", "t/lib", "t/shm"})
         fs::create_directories(home_.Path(part));
     fs::copy_file(fs::path(test::Recorder::ModuleDirectory()) / "recorder.bpi",

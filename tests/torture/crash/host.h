@@ -1,8 +1,8 @@
-// One host's configuration to crash: a template with many objects, and copies of it in which a child
-// does something and is interrupted.
+// One host's configuration to crash: a template with many objects, and copies of it in which a
+// child does something and is interrupted.
 //
-// A child of its own looks at what is left, so that nothing of the interrupted one is in memory. The
-// library is never started in the test process itself.
+// A child of its own looks at what is left, so that nothing of the interrupted one is in memory.
+// The library is never started in the test process itself.
 #pragma once
 
 #include <functional>

@@ -1,5 +1,5 @@
-// The power fails at any moment of everything that changes files: whatever the disk kept of what was
-// not synced, the next start finds the old state or the new, and the new one once it was
+// The power fails at any moment of everything that changes files: whatever the disk kept of what
+// was not synced, the next start finds the old state or the new, and the new one once it was
 // acknowledged.
 #include <gtest/gtest.h>
 
@@ -62,7 +62,8 @@ TEST_P(Unpowered, AtAnyMomentLeavesTheOldStateOrTheNewAndKeepsWhatWasAcknowledge
         const bool isAcknowledged = state.event == disk_->Events();
         ASSERT_TRUE(look.digest == wanted.after ||
                     (!isAcknowledged && look.digest == wanted.before))
-            << "found:\n" << look.digest;
+            << "found:\n"
+            << look.digest;
     }
     TellFigures(std::string("power loss, ") + GetParam().name,
                 std::to_string(chosen.size()) + " of " + std::to_string(states.size()) +
@@ -76,9 +77,8 @@ std::vector<Operation> changes() {
     return all;
 }
 
-INSTANTIATE_TEST_SUITE_P(Each, Unpowered, testing::ValuesIn(changes()), [](const auto& row) {
-    return NameOf(row.param);
-});
+INSTANTIATE_TEST_SUITE_P(Each, Unpowered, testing::ValuesIn(changes()),
+                         [](const auto& row) { return NameOf(row.param); });
 
 }  // namespace
 }  // namespace oam::torture

@@ -46,7 +46,16 @@ class RecordedDisk {
     friend class PossibleDisks;
 
     struct Event {
-        enum class Kind { kCreate, kRemove, kRename, kLink, kData, kSyncData, kSyncNames, kSyncAll };
+        enum class Kind {
+            kCreate,
+            kRemove,
+            kRename,
+            kLink,
+            kData,
+            kSyncData,
+            kSyncNames,
+            kSyncAll
+        };
         Kind kind;
         std::string path;
         std::string target;
@@ -65,9 +74,9 @@ class RecordedDisk {
 
     const std::string directory_;
     Names names_;
-    Names firstNames_;  // what was there before
-    std::map<int, std::string> first_;  // by inode
-    std::map<int, std::string> data_;   // as the process sees it
+    Names firstNames_;                                        // what was there before
+    std::map<int, std::string> first_;                        // by inode
+    std::map<int, std::string> data_;                         // as the process sees it
     std::map<int, std::pair<std::string, int>> descriptors_;  // path, inode (-1: a directory)
     std::vector<Event> events_;
     int nextInode_ = 0;

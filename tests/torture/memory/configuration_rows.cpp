@@ -82,11 +82,12 @@ bool emptiesPlace(const Outcome& outcome) {
     std::string after = outcome.after;
     for (std::size_t at; (at = after.find(place)) != std::string::npos;)
         after.replace(at, place.size(), withoutBus);
-    return EmptiesValues({outcome.code, outcome.found, outcome.before, after, outcome.standing}, "");
+    return EmptiesValues({outcome.code, outcome.found, outcome.before, after, outcome.standing},
+                         "");
 }
 
-// A board that was created but could not be filled in stays, under the name of its creation. Kept: a
-// place that could not be copied is empty, and that is no failure.
+// A board that was created but could not be filled in stays, under the name of its creation. Kept:
+// a place that could not be copied is empty, and that is no failure.
 bool leavesCreatedBoard(World&, const Outcome& outcome) {
     if (EmptiesValues(outcome, "") || emptiesPlace(outcome)) return true;
     return outcome.code != OAM_SUCCESS && AddsOnly(outcome.before, outcome.found, "Boards: ");

@@ -41,7 +41,8 @@ struct Row {
     bool (*accepts)(World&, const Outcome&) = nullptr;
     // One of those that a service lives on: tried with lasting shortage in the quick run too.
     bool isVital = false;
-    // Every point is tried in the quick run too: each lies elsewhere in what the call puts together.
+    // Every point is tried in the quick run too: each lies elsewhere in what the call puts
+    // together.
     bool isIntricate = false;
 };
 

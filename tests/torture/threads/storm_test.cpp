@@ -90,8 +90,8 @@ void storm(unsigned seed, unsigned calls, Totals* totals) {
     ASSERT_TRUE(site.StartWithBoards()) << site.home.Read("oam/log/startup.log");
     ASSERT_EQ(_oamConfigExport(site.home.Path("out/first.oam").c_str()), OAM_SUCCESS);
     {
-        // Not on this stack: a race detector that does not see that nobody looks at it any more takes
-        // what is put there next for a race.
+        // Not on this stack: a race detector that does not see that nobody looks at it any more
+        // takes what is put there next for a race.
         const auto storm = std::make_unique<Storm>(site, seed);
         callOnce(*storm);
         runCallers(*storm, calls);

@@ -27,8 +27,8 @@ class NewBoard : public BoardRoom {
         doors.Answer(step, oam_result(0x42));
         EXPECT_EQ(boardIDsCreate("B", plugin), oam_result(0x42));
         EXPECT_EQ(GiveTableBack(), 1);
-        EXPECT_EQ(BoardNames(), recordStays ? std::vector<std::string>{"B"}
-                                            : std::vector<std::string>{});
+        EXPECT_EQ(BoardNames(),
+                  recordStays ? std::vector<std::string>{"B"} : std::vector<std::string>{});
         EXPECT_EQ(ConfigDoor::The().StillOpen(), 0u);
     }
 
@@ -38,21 +38,20 @@ class NewBoard : public BoardRoom {
 TEST_F(NewBoard, GetsItsRecordItsKeywordsAndItsNumberOnceMoreThroughTheOrdinaryPath) {
     EXPECT_EQ(boardIDsCreate("B", plugin), OAM_SUCCESS);
     std::vector<std::string> calls = doors.Calls();
-    std::erase_if(calls, [](const std::string& call) {
-        return call.starts_with("_oamDbGetKeyword(");
-    });
-    EXPECT_THAT(calls, ElementsAre("_oamDbOpenObject(B, 3)", "_oamDbSetKeyword(1, Number, 0)",
-                                   "_oamDbSetKeyword(1, Driver.Name, )",
-                                   "_oamDbSetKeyword(1, Driver.BoardId, )",
-                                   "_oamDbSetKeyword(1, Location.PCI.Bus, )",
-                                   "_oamDbSetKeyword(1, Location.PCI.Slot, )",
-                                   "_oamDbSetKeyword(1, Location.PCI.IOAddress, )",
-                                   "_oamDbSetKeyword(1, Eeprom.SerialNum, )",
-                                   "_oamDbSetKeyword(1, Clocking.HBus.ClockMode, )",
-                                   "_oamDbSetKeyword(1, AutoStart, No)",
-                                   "_oamDbSetKeyword(1, AutoStop, No)", "_oamDbCloseObject(1)",
-                                   "_oamOpenObject(handle, B, 1)", "_oamSetKeyword(2, Number, 0)",
-                                   "_oamCloseObject_WOAN(2)"));
+    std::erase_if(calls,
+                  [](const std::string& call) { return call.starts_with("_oamDbGetKeyword("); });
+    EXPECT_THAT(
+        calls,
+        ElementsAre("_oamDbOpenObject(B, 3)", "_oamDbSetKeyword(1, Number, 0)",
+                    "_oamDbSetKeyword(1, Driver.Name, )", "_oamDbSetKeyword(1, Driver.BoardId, )",
+                    "_oamDbSetKeyword(1, Location.PCI.Bus, )",
+                    "_oamDbSetKeyword(1, Location.PCI.Slot, )",
+                    "_oamDbSetKeyword(1, Location.PCI.IOAddress, )",
+                    "_oamDbSetKeyword(1, Eeprom.SerialNum, )",
+                    "_oamDbSetKeyword(1, Clocking.HBus.ClockMode, )",
+                    "_oamDbSetKeyword(1, AutoStart, No)", "_oamDbSetKeyword(1, AutoStop, No)",
+                    "_oamDbCloseObject(1)", "_oamOpenObject(handle, B, 1)",
+                    "_oamSetKeyword(2, Number, 0)", "_oamCloseObject_WOAN(2)"));
     EXPECT_EQ(TableMutex::Depth(), 0);
     EXPECT_EQ(Board("B").plugin, plugin);
     EXPECT_EQ(Board("B").values.cpciShelf, 32u);

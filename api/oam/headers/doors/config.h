@@ -7,8 +7,8 @@
 oam_result ConfigInit() noexcept;
 void ConfigExit() noexcept;
 
-// As _oamDbOpenObject for reading, while the service starts: an object whose file the start has just
-// read opens with what it found there, without another look at the file.
+// As _oamDbOpenObject for reading, while the service starts: an object whose file the start has
+// just read opens with what it found there, without another look at the file.
 oam_result DbOpenObjectAsFound(const char* name, unsigned long* handle) noexcept;
 
 // Creates an object whose kind follows from its name (".bpi", ".emc", "Supervisor", or a board);

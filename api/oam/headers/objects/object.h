@@ -110,8 +110,7 @@ class KOR_CMObject {
     oam_result DbOpen(unsigned long client, unsigned long* handle, unsigned mode) noexcept;
     // Closes in every case; the result is the save's. The last closing saves a read-write object,
     // unless it discards; `saving`: as far as that has not been done ahead.
-    oam_result DbClose(unsigned long handle, bool discard,
-                       ObjectSaving* saving = nullptr) noexcept;
+    oam_result DbClose(unsigned long handle, bool discard, ObjectSaving* saving = nullptr) noexcept;
     oam_result DbGetProviderMode(bool* provider) noexcept;
     oam_result DbSetProviderMode(bool provider) noexcept;
     oam_result DbSetKeyword(const char* name, const char* value) noexcept;

@@ -3,8 +3,8 @@
 #include "base/forever.h"
 #include "oam/entry.h"
 
-// What is shown is stored with release and read with acquire: who sees something of a change sees its
-// odd turn too, or a later one.
+// What is shown is stored with release and read with acquire: who sees something of a change sees
+// its odd turn too, or a later one.
 void ClientsInSight::Show(const unsigned long* clients, int count) noexcept {
     const unsigned turn = turn_.load(std::memory_order_relaxed);
     turn_.store(turn + 1, std::memory_order_relaxed);

@@ -19,8 +19,8 @@ struct ClientCell {
     }
 };
 
-// The clients that an alert goes to, for who holds no lock. A change is noticed by its turn, which is
-// odd meanwhile.
+// The clients that an alert goes to, for who holds no lock. A change is noticed by its turn, which
+// is odd meanwhile.
 class ClientsInSight {
   public:
     static constexpr int kMost = 32;

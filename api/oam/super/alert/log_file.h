@@ -27,7 +27,8 @@ class LogFile {
     oam_result End() noexcept;
     bool IsOpen() const noexcept { return isOpen_.load(std::memory_order_acquire); }
 
-    // Calls write(LogStream&) on the open stream; a log that has been closed meanwhile is no failure.
+    // Calls write(LogStream&) on the open stream; a log that has been closed meanwhile is no
+    // failure.
     template <class WriteLine>
     oam_result Write(WriteLine write) noexcept {
         KorGuard hold(mutex_);

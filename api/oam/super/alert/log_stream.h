@@ -1,5 +1,5 @@
-// An open log: every text goes to the file with one write(2), so whoever looks at the file sees it at
-// once, and so does who comes after a death of the process.
+// An open log: every text goes to the file with one write(2), so whoever looks at the file sees it
+// at once, and so does who comes after a death of the process.
 #pragma once
 
 #include <string_view>

@@ -37,7 +37,8 @@ oam_result KOR_CMObject::EndCreation() noexcept {
     DataFilePath final;
     if (auto failed = BuildPath(&final)) return failed;
     // What was saved until now was not worth a sync. The name too: several files had it.
-    if (!isWrittenInPlace(final.text) && !syncFileAndName(made.text)) return OAMERR_FILE_WRITE_ERROR;
+    if (!isWrittenInPlace(final.text) && !syncFileAndName(made.text))
+        return OAMERR_FILE_WRITE_ERROR;
     return renameDurably(made.text, final.text) ? OAM_SUCCESS : OAMERR_FILE_WRITE_ERROR;
 }
 
