@@ -12,8 +12,6 @@ namespace oam::torture {
 
 namespace {
 
-constexpr const char* kModules[] = {kPlugin, kComponent, kGoodPlugin, kGoodComponent};
-
 test::ObjectEntries board(int number, const std::string& name, const std::string& product,
                           const std::string& autoStop) {
     test::Entries entries = test::StandardEntries(name, product);
