@@ -175,6 +175,16 @@ TEST_F(Lifecycle, RestartAnswersTheFreshInitsFailure) {
     EXPECT_FALSE(g_bOamIsRunning);
 }
 
+TEST_F(Lifecycle, RestartThatCannotWriteTheSupervisorsFileIsAWriteFailure) {
+    Start();
+    home.Remove("oam/cfg/Super.xmo");
+    // Where it would be written first.
+    home.MakeDirectory("oam/cfg/Super.xmo.making.saving");
+    home.Write("oam/cfg/Super.xmo.making.saving/in the way", "");
+    EXPECT_EQ(_oamRestart(), OAMERR_FILE_WRITE_ERROR);
+    EXPECT_FALSE(g_bOamIsRunning);
+}
+
 TEST_F(Lifecycle, ClientInitTellsWhetherTheServiceRuns) {
     EXPECT_EQ(_oamClientInit(kClient), OAMERR_SERVER_NOT_RUNNING);
     Start();
