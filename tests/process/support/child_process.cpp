@@ -79,6 +79,12 @@ std::string ChildProcess::AwaitErrorLine(const std::string& text) {
     return result_.err.substr(end, result_.err.find('\n', end) - end);
 }
 
+bool ChildProcess::Says(const std::string& text) {
+    while (result_.out.find(text) == std::string::npos)
+        if (!ReadSome()) return false;
+    return true;
+}
+
 Finished ChildProcess::Finish() {
     while (ReadSome()) {
     }

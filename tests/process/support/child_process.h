@@ -34,6 +34,8 @@ class ChildProcess {
     void AwaitError(const std::string& text);
     // The same; the rest of the line behind the text.
     std::string AwaitErrorLine(const std::string& text);
+    // The same on standard output; false when it ends without having said so.
+    bool Says(const std::string& text);
     // What was said so far.
     const std::string& Output() const { return result_.out; }
     Finished Finish();

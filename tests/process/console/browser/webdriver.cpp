@@ -49,10 +49,15 @@ json capabilities(const std::string& directory) {
 bool IsBrowserThere() { return access(kBrowserPath, X_OK) == 0 && access(kDriverPath, X_OK) == 0; }
 
 Browser::Browser(const std::string& directory) {
-    driver_ = std::make_unique<ChildProcess>(std::vector<std::string>{kDriverPath, "--port=0"},
-                                             directory);
     const std::string before = "successfully on port ";
-    driver_->AwaitOutput(before);
+    // It takes a port that is free for one version of the Internet's protocol, and ends when it is
+    // not for the other.
+    constexpr int kAttempts = 10;
+    for (int attempt = 1; attempt <= kAttempts; ++attempt) {
+        driver_ = std::make_unique<ChildProcess>(std::vector<std::string>{kDriverPath, "--port=0"},
+                                                 directory);
+        if (driver_->Says(before)) break;
+    }
     const std::string said = driver_->Output();
     const int port = std::stoi(said.substr(said.find(before) + before.size()));
     client_ = std::make_unique<httplib::Client>("127.0.0.1", port);
